@@ -1,0 +1,69 @@
+// The platform window and message queue over SDL2. SDL events become message
+// records handed to one window procedure; posting and sending are emulated by our
+// own queue. In headless mode SDL runs with its dummy drivers and no window.
+#pragma once
+#include <cstdint>
+#include <functional>
+
+#include "shell/types.h"
+
+struct SMsg {
+    uint32_t message = 0;
+    uintptr_t wParam = 0;
+    intptr_t lParam = 0;
+};
+
+using WindowProc = intptr_t (*)(uint32_t message, uintptr_t wParam, intptr_t lParam);
+
+namespace platform {
+
+struct SOptions {
+    bool headless = false;
+    int scale = 0;        // 0: the largest integer scale that fits the desktop, at most 3
+};
+
+// Starts SDL (video, audio and events; dummy drivers when headless).
+bool Init(const SOptions& options);
+void Shutdown();
+bool IsHeadless();
+
+// The main window: title "Ashen Oath", 640 x 480 game pixels at an integer scale;
+// full screen is letterboxed at the desktop's mode. False when it cannot be made.
+bool CreateMainWindow(bool windowed, WindowProc proc);
+// Destroys the window and sends WM_DESTROY to the window procedure.
+void DestroyMainWindow();
+bool HasMainWindow();
+void ToggleFullscreen();
+
+// Message queue.
+bool PeekMessage(SMsg& out);          // true when a message waits (not removed)
+bool GetMessage(SMsg& out);           // waits for a message; false on WM_QUIT
+void PostMessage(uint32_t message, uintptr_t wParam, intptr_t lParam);
+void PostQuitMessage(int code);
+intptr_t SendMessage(uint32_t message, uintptr_t wParam, intptr_t lParam);
+intptr_t DispatchMessage(const SMsg& msg);
+// The default procedure: WM_CLOSE destroys the window.
+intptr_t DefWindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam);
+
+// Cursor in game pixels (client coordinates), whatever the scale.
+SPoint GetCursorPos();
+void SetCursorPos(int32_t x, int32_t y);
+void ShowCursor(bool show);
+// Held mouse buttons (SDL state, or the replayed state).
+bool IsButtonDown(int button);  // 0 left, 1 right
+
+// Presents a 640 x 480 5-6-5 frame in the window (nothing when headless).
+void PresentFrame(const uint16_t* pixels);
+
+// Input injection for the replay harness: the events enter the same queue as real
+// ones and update the cursor and held-button state.
+void InjectMouseMove(int32_t x, int32_t y);
+void InjectButton(int button, bool down, int32_t x, int32_t y);
+void InjectKey(int vk);
+void InjectQuit();
+
+// Frame observer: called by PresentFrame with every presented picture (the harness
+// writes --shot PNGs from it).
+void SetFrameObserver(std::function<void(const uint16_t* pixels)> observer);
+
+}  // namespace platform

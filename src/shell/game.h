@@ -1,0 +1,240 @@
+// CGame: the one game object. It owns every long-lived object, runs the 40 ms
+// message loop and the mode machine, and handles the player's commands. Its
+// operations are spread over several files by concern:
+//   game_startup.cpp  construction, Init, shutdown, configuration
+//   game_loop.cpp     Run, the window procedure, UpdateFrame, fades, splash
+//   game_input.cpp    keys and clicks of every mode
+//   game_map.cpp      map change, EnterMap, DrawRole, the playing frame's world
+//   game_screens.cpp  help, credits, boss key, result, information screens, screenshots
+//   game_saves.cpp    save panel, SaveGame, LoadGame
+//   game_script.cpp   RunScript, ContinueScript, dialogue
+#pragma once
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "shell/types.h"
+
+class CLog;
+class CGraph;
+class CMouse;
+class CSound;
+class KGDShowInstance;
+class CMap;
+class CRole;
+class CRoleNPC;
+class CItem;
+class CScript;
+class CTalk;
+class CPanel;
+class CMenuPanel;
+class CMainMenuPanel;
+class CDlgPanel;
+class CSavePanel;
+class CTutorialPanel;
+class CPlayerPanel;
+class CPackPanel;
+class CMissionSystem;
+struct SItemInfo;
+struct SSkillInfo;
+template <class T> class TCDataBase;
+
+// The harness options (--headless, --uncapped, ...), read by main.
+struct SHarnessOptions {
+    bool headless = false;
+    bool uncapped = false;
+    int64_t frames = -1;         // quit after this many frames (-1: never)
+    std::string replayFile;
+    std::vector<std::pair<int64_t, std::string>> shots;  // frame, PNG path
+    int64_t clock = -1;          // fixed calendar start (UNIX seconds)
+    std::string dumpState;       // JSON file written at exit
+    std::string warpMap;         // --warp MAP[:X:Y]
+    int32_t warpX = -1, warpY = -1;
+    int scale = 0;               // --scale N (0: from game.ini or automatic)
+};
+
+// The fade record.
+struct SFade {
+    int32_t phase = 2;     // 2 steady; 0 first frame still to be faded in
+    int32_t kind = 0;      // 0 fade in, 1 fade out, 2 splash picture
+    int32_t level = 0;     // 0 none .. 31 black; negative: waiting time
+    int32_t rising = 0;    // 1 while the level grows
+    SRect source{0, 0, 640, 480};
+};
+
+// The current map's 92-byte header (23 words), as the game keeps it.
+struct SMapInfo {
+    uint32_t words[23] = {};
+    const char* FileName() const { return reinterpret_cast<const char*>(words) + 4; }
+    const char* DisplayName() const { return reinterpret_cast<const char*>(words) + 24; }
+    int32_t StartX() const { return int32_t(words[17]); }
+    int32_t StartY() const { return int32_t(words[18]); }
+    const char* MusicName() const { return reinterpret_cast<const char*>(words) + 76; }
+};
+
+class CGame {
+public:
+    CGame();
+    virtual ~CGame();
+    CGame(const CGame&) = delete;
+    CGame& operator=(const CGame&) = delete;
+
+    // ---- start-up (game_startup.cpp) ----
+    int Init(int showCommand);
+    int ReadGameIni(const char* fileName);
+    int CreateMainWindow(int showCommand, int windowed);
+    int ChangeDisplayBitsPerPel(int bits);
+
+    // ---- loop and modes (game_loop.cpp) ----
+    int Run();
+    static intptr_t WindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam);
+    void UpdateFrame();
+    void StartFade(int direction, int target);
+    void ShowSplash(const char* name, int target);
+    void ShowMessage(const char* text);
+    int PlayWav(const char* fileName);
+    void DrawOutlinedText(int surf, const char* text, int32_t x, int32_t y, COLORREF outline, COLORREF color,
+                          bool diagonalOutline);
+    void ComposeSnapshot();  // camera rectangle of the three layers and the rain into the snapshot
+
+    // ---- input (game_input.cpp) ----
+    int OnKeyDown(int key);
+    void OnLButtonDown();
+    void OnLButtonUp();
+    void OnRButtonDown();
+    void OnWorldLButton();
+    void OnWorldRButton();
+    int OpenScreen(int id);
+    int OpenGameMenu();
+
+    // ---- map change (game_map.cpp) ----
+    int ChangeMap(const char* name, int32_t x, int32_t y, int32_t facing, int32_t newGame);
+    int EnterMap();
+    int LoadMap(const char* path);
+    void DrawRole();
+    void UpdateRoles();        // step 5 of the playing frame
+    void PlayFrame();          // GS_PLAY
+    void DrawMapNameAndPosition();
+    void UpdateWorldHover();
+    int FindNpcAt(int32_t x, int32_t y, int flag);
+
+    // ---- screens (game_screens.cpp) ----
+    void ShowHelp();
+    int ShowCredits();
+    void ShowBossKey();
+    void GameOver();
+    int ScreenShot();
+
+    // ---- saves (game_saves.cpp) ----
+    void OpenSavePanel(int loadForm, int returnMode);
+    void SaveGame(int slot);
+    int LoadSlot(int slot);
+    int LoadGame();
+
+    // ---- scripts (game_script.cpp) ----
+    int RunScript(const char* name, int quiet);
+    int ContinueScript();
+
+    // ---- harness ----
+    void SetHarness(const SHarnessOptions& options) { m_harness = options; }
+    const SHarnessOptions& Harness() const { return m_harness; }
+    int64_t FrameCount() const { return m_nFrameCount; }
+    std::string DumpStateJson();
+
+    // ---- accessors used across subsystems ----
+    CGraph* Graph() { return m_pGraph; }
+    CLog* Log() { return m_pLog; }
+    const char* IniPack() const { return m_szIniPack; }
+    const char* ScriptPack() const { return m_szScriptPack; }
+    int32_t GameState() const { return m_nGameState; }
+
+public:
+    // Members, in the order the game declares them.
+    CTutorialPanel* m_pTutorialPanel = nullptr;
+    int32_t m_nLoadPanelOrigin = 0;
+    int32_t m_nWanderTimer = 100;
+    int32_t m_nLoadSlot = 0;
+    std::string m_strTargetMap;
+    int32_t m_nTargetX = -1, m_nTargetY = -1, m_nTargetFacing = 5;
+    int32_t m_bTargetNewGame = 0;
+    int32_t m_nTalkTarget = 0;
+    int32_t m_nHeldItemId = 0;
+    int32_t m_bActive = 1;
+    int32_t m_bHandEmpty = 1;
+
+    // configuration
+    void* m_hInstance = nullptr;
+    int32_t m_bWindowed = 0;
+    int32_t m_nBitsPerPel = 16;
+    char m_szIniPack[30] = {0};
+    char m_szScriptPack[30] = {0};
+    char m_szSplash[5][30] = {};
+    char m_szStartMusic[30] = {0};
+    char m_szCreditMusic[30] = {0};
+    char m_szEndMusic[30] = {0};
+    char m_szCurrentDir[256] = {0};
+
+    int32_t e_killCount = 0;
+    CSound* m_pSound = nullptr;            // the effect sound
+    KGDShowInstance* m_pShow = nullptr;
+    std::map<std::string, int32_t> m_mapAffection;
+    std::map<std::string, int32_t> m_mapEnmity;
+    std::map<std::string, int32_t> m_mapVip;
+    SFade m_fade;
+    int32_t m_nResumeState = 0;
+    std::vector<std::string> m_vecFactions;
+    std::vector<std::string> m_vecHonours;
+    std::vector<std::string> m_vecNotes;
+    CMissionSystem* m_pMissionSystem = nullptr;
+    std::list<CItem*> m_listGroundItems;
+    std::list<CItem*>::iterator m_itHoveredItem;
+    TCDataBase<SItemInfo>* m_pItemDB = nullptr;
+    TCDataBase<SSkillInfo>* m_pSkillDB = nullptr;
+    int32_t m_nHoveredNpc = -1;
+    std::vector<CRole*> m_vecVisibleRoles;     // draw list, rebuilt each frame; [0] is the hero
+    std::vector<CRoleNPC*> m_vecNpcs;          // the map's NPCs by number - 1 (null once dead)
+    struct SNpcPlacement { uint32_t record; int32_t cellX, cellY; };
+    std::vector<SNpcPlacement> m_vecNpcPlacements;
+    int32_t m_bTrading = 0;
+    int32_t m_nOpenScreen = 0;
+    int32_t m_bWorldClickArmed = 0;
+    int32_t e_brain = 0;
+    int32_t m_bMusicStarted = 0;
+    SMapInfo m_mapInfo;
+    SRect m_rcCamera{0, 0, 640, 480};
+    SPoint m_ptCamera{0, 0};
+    CLog* m_pLog = nullptr;
+    CGraph* m_pGraph = nullptr;
+    CMap* m_pMap = nullptr;
+    CRole* m_pRole = nullptr;
+    void* m_hWnd = nullptr;
+    CScript* m_pScript = nullptr;
+    std::string m_strTalkLabel;
+    CTalk* m_pTalk = nullptr;
+    CSavePanel* m_pSavePanel = nullptr;
+    CMenuPanel* m_pMenuPanel = nullptr;
+    CMainMenuPanel* m_pMainMenuPanel = nullptr;
+    CDlgPanel* m_pDlgPanel = nullptr;
+    CPackPanel* m_pPackPanel[2] = {nullptr, nullptr};
+    CPlayerPanel* m_pPlayerPanel = nullptr;
+    CMouse* m_pMouse = nullptr;
+    std::vector<uint16_t> m_vecRainDrops;      // x, y pairs as a flat list
+    int32_t m_nRainNumber = 0;
+    int32_t m_nGameState = GS_SPLASH;
+
+    // loop state
+    int32_t m_nSplashCounter = 0;
+    uint32_t m_nLastFrameTick = 0;
+    int64_t m_nFrameCount = 0;
+    SHarnessOptions m_harness;
+
+    // ---- members added by the UI (panels, screens) ----
+
+    // ---- members added by the world (maps, roles) ----
+};
+
+// The game object, for code that has no game pointer (nullptr until constructed).
+extern CGame* g_pGame;

@@ -8,6 +8,10 @@
 //   game_screens.cpp  help, credits, boss key, result, information screens, screenshots
 //   game_saves.cpp    save panel, SaveGame, LoadGame
 //   game_script.cpp   RunScript, ContinueScript, dialogue
+//   game_panels.cpp   creation and loading of the panels, panel-mode frames and clicks,
+//                     the message line
+//   game_world_input.cpp  world clicks, hover feedback, NPC picking
+//   game_harness.cpp  the automation harness: replay, shots, state dump
 #pragma once
 #include <cstdint>
 #include <list>
@@ -120,6 +124,22 @@ public:
     void DrawMapNameAndPosition();
     void UpdateWorldHover();
     int FindNpcAt(int32_t x, int32_t y, int flag);
+
+    // ---- panels (game_panels.cpp) ----
+    void CreatePanels();                     // constructor step 3: the four start-up panels, empty
+    void DeletePanels();                     // destructor: every panel the game owns
+    void PublishButtonGlobals(CSound* hoverSound);  // Init step 8: display + hover sound for buttons
+    int LoadPanels();                        // Init step 12: the four layouts; 0 on the first failure
+    bool FrameMainMenu();                    // GS_MAINMENU; false when the frame ended early (fade-in)
+    void FramePanelMode();                   // snapshot + the mode's panel (menu, save, load, info, help, talk, pack)
+    bool OnPanelClick();                     // left click in a panel mode; true when the mode was handled
+    void DrawMessageLine();                  // the message line at the end of a presented frame
+
+    // ---- world objects (game_map.cpp) ----
+    void CreateWorld();                      // constructor step 2: the map object and its lists
+    void DeleteWorld();                      // destructor: map, roles, NPCs, ground items
+    void LoadMapRegistries();                // end of ReadGameIni: "maps.ini" and "scripts.ini"
+    void DumpWorldState(std::string& json);  // appends the world's fields to the state dump
 
     // ---- screens (game_screens.cpp) ----
     void ShowHelp();

@@ -120,7 +120,7 @@ public:
     int LoadMap(const char* path);
     void DrawRole();
     void UpdateRoles();        // step 5 of the playing frame
-    void PlayFrame();          // GS_PLAY
+    bool PlayFrame();          // GS_PLAY; false when the frame ended early (mode left, fade-in started)
     void DrawMapNameAndPosition();
     void UpdateWorldHover();
     int FindNpcAt(int32_t x, int32_t y, int flag);
@@ -140,6 +140,10 @@ public:
     void DeleteWorld();                      // destructor: map, roles, NPCs, ground items
     void LoadMapRegistries();                // end of ReadGameIni: "maps.ini" and "scripts.ini"
     void DumpWorldState(std::string& json);  // appends the world's fields to the state dump
+
+    // ---- rain (game_rain.cpp) ----
+    void StartRain();
+    void DrawRain(int target);               // 0: back buffer, >0: snapshot
 
     // ---- screens (game_screens.cpp) ----
     void ShowHelp();
@@ -163,6 +167,9 @@ public:
     const SHarnessOptions& Harness() const { return m_harness; }
     int64_t FrameCount() const { return m_nFrameCount; }
     std::string DumpStateJson();
+    void HarnessStart();          // --warp and the replay file, before the loop
+    bool HarnessInjectInput();    // replayed events of the next frame; true when some were queued
+    void HarnessAfterFrame();     // frame count, --shot pictures, --frames limit
 
     // ---- accessors used across subsystems ----
     CGraph* Graph() { return m_pGraph; }
@@ -250,6 +257,8 @@ public:
     uint32_t m_nLastFrameTick = 0;
     int64_t m_nFrameCount = 0;
     SHarnessOptions m_harness;
+    struct SReplayState;
+    SReplayState* m_pReplay = nullptr;
 
     // ---- members added by the UI (panels, screens) ----
 

@@ -1,0 +1,34 @@
+// The launcher: started by the game with no argument it starts the game with
+// "action=play"; started with "time=end" (when the game ends) it does nothing.
+// With ASHEN_LAUNCHER_LOG set it appends its argument line to that file, so
+// tests can see how it was called.
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+int main(int argc, char** argv) {
+    std::string args;
+    for (int i = 1; i < argc; ++i) {
+        if (i > 1) args += ' ';
+        args += argv[i];
+    }
+    if (const char* log = getenv("ASHEN_LAUNCHER_LOG")) {
+        if (FILE* f = fopen(log, "ab")) {
+            fprintf(f, "launcher [%s]\n", args.c_str());
+            fclose(f);
+        }
+    }
+    if (args.find("time=end") != std::string::npos) return 0;
+    // Start the game from the same folder.
+    std::string self = argv[0];
+    std::string dir = ".";
+    size_t slash = self.rfind('/');
+    if (slash != std::string::npos) dir = self.substr(0, slash);
+    std::string game = dir + "/ashen-oath";
+    execl(game.c_str(), game.c_str(), "action=play", static_cast<char*>(nullptr));
+    perror("launcher: cannot start the game");
+    return 1;
+}

@@ -1,0 +1,118 @@
+// CGame: the automation harness inside the loop: replayed input, --shot pictures,
+// the --frames limit, --warp and the JSON state dump.
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "media/window.h"
+#include "shell/game.h"
+#include "shell/harness.h"
+
+struct CGame::SReplayState {
+    std::vector<SReplayEvent> events;
+    size_t next = 0;
+    int64_t injectedFrame = -1;          // frame whose events are already queued
+    std::vector<uint16_t> lastPresented;  // kept only when shots are wanted
+    bool keepFrames = false;
+};
+
+void CGame::HarnessStart() {
+    if (!m_pReplay) m_pReplay = new SReplayState();
+    SReplayState& r = *m_pReplay;
+    if (!m_harness.replayFile.empty()) {
+        std::ifstream in(m_harness.replayFile, std::ios::binary);
+        std::stringstream text;
+        text << in.rdbuf();
+        std::string error;
+        if (!in.good() && !in.eof()) error = "cannot read " + m_harness.replayFile;
+        if (error.empty() && !ParseReplay(text.str(), r.events, error)) r.events.clear();
+        if (!error.empty()) fprintf(stderr, "ashen-oath: %s\n", error.c_str());
+        std::stable_sort(r.events.begin(), r.events.end(),
+                         [](const SReplayEvent& a, const SReplayEvent& b) { return a.frame < b.frame; });
+    }
+    if (!m_harness.shots.empty()) {
+        r.keepFrames = true;
+        r.lastPresented.assign(size_t(SCREEN_W) * SCREEN_H, 0);
+        platform::SetFrameObserver([this](const uint16_t* pixels) {
+            memcpy(m_pReplay->lastPresented.data(), pixels, m_pReplay->lastPresented.size() * 2);
+        });
+    }
+    if (!m_harness.warpMap.empty()) {
+        // Skip the splash pictures and the menu: a new game on that map.
+        m_nSplashCounter = 5;
+        platform::ShowCursor(true);
+        ChangeMap(m_harness.warpMap.c_str(), m_harness.warpX, m_harness.warpY, 5, 1);
+    }
+}
+
+bool CGame::HarnessInjectInput() {
+    SReplayState& r = *m_pReplay;
+    if (r.injectedFrame == m_nFrameCount) return false;
+    r.injectedFrame = m_nFrameCount;
+    bool any = false;
+    while (r.next < r.events.size() && r.events[r.next].frame <= m_nFrameCount) {
+        const SReplayEvent& e = r.events[r.next++];
+        any = true;
+        switch (e.kind) {
+            case SReplayEvent::MOVE: platform::InjectMouseMove(e.x, e.y); break;
+            case SReplayEvent::LDOWN: platform::InjectButton(0, true, e.x, e.y); break;
+            case SReplayEvent::LUP: platform::InjectButton(0, false, e.x, e.y); break;
+            case SReplayEvent::RDOWN: platform::InjectButton(1, true, e.x, e.y); break;
+            case SReplayEvent::RUP: platform::InjectButton(1, false, e.x, e.y); break;
+            case SReplayEvent::KEY: platform::InjectKey(e.x); break;
+            case SReplayEvent::QUIT: platform::InjectQuit(); break;
+        }
+    }
+    return any;
+}
+
+void CGame::HarnessAfterFrame() {
+    int64_t frame = m_nFrameCount++;
+    SReplayState& r = *m_pReplay;
+    if (r.keepFrames) {
+        for (const auto& shot : m_harness.shots)
+            if (shot.first == frame) WritePng565(shot.second.c_str(), r.lastPresented.data(), SCREEN_W, SCREEN_H);
+    }
+    if (m_harness.frames >= 0 && m_nFrameCount == m_harness.frames) platform::PostMessage(WM_CLOSE, 0, 0);
+}
+
+static const char* ModeName(int32_t mode) {
+    switch (mode) {
+        case GS_SPLASH: return "GS_SPLASH";
+        case GS_FADE: return "GS_FADE";
+        case GS_MAINMENU: return "GS_MAINMENU";
+        case GS_PLAY: return "GS_PLAY";
+        case GS_TALK: return "GS_TALK";
+        case GS_GAMEMENU: return "GS_GAMEMENU";
+        case GS_SAVE: return "GS_SAVE";
+        case GS_LOAD: return "GS_LOAD";
+        case GS_CREDITS: return "GS_CREDITS";
+        case GS_INFO: return "GS_INFO";
+        case GS_PACK: return "GS_PACK";
+        case GS_DEAD: return "GS_DEAD";
+        case GS_RESULT: return "GS_RESULT";
+        case GS_QUIT: return "GS_QUIT";
+        case GS_HELP: return "GS_HELP";
+        case GS_BOSSKEY: return "GS_BOSSKEY";
+        case GS_MAPMSG: return "GS_MAPMSG";
+        case GS_ENTERMAP: return "GS_ENTERMAP";
+        case GS_LOADMSG: return "GS_LOADMSG";
+        case GS_LOADGAME: return "GS_LOADGAME";
+        default: return "unknown";
+    }
+}
+
+std::string CGame::DumpStateJson() {
+    char head[256];
+    snprintf(head, sizeof(head),
+             "{\"mode\":%d,\"mode_name\":\"%s\",\"frame\":%lld,\"resume_mode\":%d,\"music_started\":%d,"
+             "\"kill_count\":%d,\"rain\":%d",
+             m_nGameState, ModeName(m_nGameState), (long long)m_nFrameCount, m_nResumeState, m_bMusicStarted,
+             e_killCount, e_brain);
+    std::string json = head;
+    DumpWorldState(json);
+    json += "}\n";
+    return json;
+}

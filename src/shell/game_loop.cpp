@@ -1,0 +1,250 @@
+// CGame: the 40 ms message loop, the window procedure, the mode machine of
+// UpdateFrame, fades, the splash sequence, loading messages and the effect sound.
+#include <chrono>
+#include <cstring>
+#include <thread>
+
+#include "media/graph.h"
+#include "media/show.h"
+#include "media/sound.h"
+#include "media/window.h"
+#include "resources/picture_ref.h"
+#include "shell/clock.h"
+#include "shell/debug.h"
+#include "shell/game.h"
+
+namespace {
+CGame* g_pWindowGame = nullptr;  // the game pointer handed over by UM_SETGAME
+const SRect kScreen{0, 0, SCREEN_W, SCREEN_H};
+}  // namespace
+
+intptr_t CGame::WindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam) {
+    CGame* game = g_pWindowGame;
+    switch (message) {
+        case WM_DESTROY:
+            platform::PostQuitMessage(0);
+            break;
+        case WM_ACTIVATEAPP:
+            if (game) game->m_bActive = int32_t(wParam);
+            break;
+        case WM_KEYDOWN:
+            return game ? game->OnKeyDown(int(wParam)) : 0;
+        case WM_LBUTTONDOWN:
+            if (game) game->OnLButtonDown();
+            break;
+        case WM_LBUTTONUP:
+            if (game) game->OnLButtonUp();
+            break;
+        case WM_RBUTTONDOWN:
+            if (game) game->OnRButtonDown();
+            break;
+        case UM_GRAPHNOTIFY:
+            DebugOut("UM_GRAPHNOTIFY!\n");
+            if (game && game->m_pShow) game->m_pShow->HandleEvents();
+            break;
+        case UM_SETGAME:
+            g_pWindowGame = reinterpret_cast<CGame*>(wParam);
+            break;
+        default:
+            break;
+    }
+    return platform::DefWindowProc(message, wParam, lParam);
+}
+
+int CGame::Run() {
+    platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(this), 0);
+    HarnessStart();
+    SMsg msg;
+    for (;;) {
+        PollMediaEvents();
+        if (platform::PeekMessage(msg)) {
+            if (!platform::GetMessage(msg)) break;  // WM_QUIT
+            platform::DispatchMessage(msg);
+            continue;
+        }
+        if (m_bActive) {
+            if (m_harness.uncapped) clock_control::AdvanceTicks(41);
+            uint32_t now = GetTickCount();
+            // Signed 32-bit comparison: exactly 40 ms after the last frame is not yet.
+            if (int32_t(now) > int32_t(m_nLastFrameTick + 40)) {
+                if (HarnessInjectInput()) {
+                    if (m_harness.uncapped) clock_control::AdvanceTicks(uint32_t(-41));
+                    continue;  // the frame's input goes through the queue first
+                }
+                UpdateFrame();
+                m_nLastFrameTick = now;
+                HarnessAfterFrame();
+            } else if (!m_harness.uncapped) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        } else {
+            // Inactive: no frames; wait for the next message.
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+    }
+    return int(msg.wParam);
+}
+
+void CGame::UpdateFrame() {
+    bool present = true;
+    switch (m_nGameState) {
+        case GS_SPLASH: {
+            if (m_nSplashCounter < 5) {
+                const char* name = m_szSplash[m_nSplashCounter];
+                if (!name[0] || strcmp(name, "null") == 0) {
+                    ++m_nSplashCounter;
+                } else {
+                    DebugOut("bgindex=%d,pic path=%s\n", m_nSplashCounter, name);
+                    ShowSplash(name, GS_SPLASH);
+                    if (m_nGameState == GS_FADE) present = false;
+                }
+            }
+            if (m_nSplashCounter >= 5) {
+                platform::ShowCursor(true);
+                platform::SetCursorPos(320, 195);
+                m_nGameState = GS_MAINMENU;
+            }
+            break;
+        }
+        case GS_FADE: {
+            m_pGraph->BltFast(SURF_BUFFER, (SCREEN_W - m_fade.source.Width()) / 2,
+                              (SCREEN_H - m_fade.source.Height()) / 2, SURF_TEMP, m_fade.source, BLT_WAIT_SRCKEY);
+            if (m_fade.level > 0) m_pGraph->DarkenRect(SURF_BUFFER, 0, 0, SCREEN_W, SCREEN_H, m_fade.level);
+            if (m_fade.rising) m_fade.level += 4;
+            if (m_fade.level > 0 && !m_fade.rising) m_fade.level -= 4;
+            if (m_fade.level >= 31 && (m_fade.kind == 1 || (m_fade.kind == 2 && m_fade.level >= 51))) {
+                ++m_nSplashCounter;
+                m_fade.phase = 0;
+                m_nGameState = m_nResumeState;
+            }
+            if (m_fade.level <= 0 && !m_fade.rising) {
+                if (m_fade.kind == 0) {
+                    ++m_nSplashCounter;
+                    m_fade.phase = 2;
+                    m_nGameState = m_nResumeState;
+                }
+                if (m_fade.kind == 2) m_fade.level = -160;
+                m_fade.rising = 1;
+            }
+            break;
+        }
+        case GS_MAINMENU:
+            present = FrameMainMenu();
+            break;
+        case GS_PLAY:
+            present = PlayFrame();
+            break;
+        case GS_TALK:
+        case GS_GAMEMENU:
+        case GS_SAVE:
+        case GS_LOAD:
+        case GS_INFO:
+        case GS_PACK:
+        case GS_HELP:
+            FramePanelMode();
+            break;
+        case GS_CREDITS:
+        case GS_RESULT: {
+            const char* music = m_nGameState == GS_CREDITS ? m_szCreditMusic : m_szEndMusic;
+            if (!m_bMusicStarted) {
+                if (music[0] && m_pShow->Open(m_hWnd, music)) m_pShow->Play(m_hWnd, 1);
+                m_bMusicStarted = 1;
+            }
+            m_pGraph->BltFast(SURF_BUFFER, 0, 0, SURF_GROUND, kScreen, BLT_WAIT);
+            if (m_fade.phase != 2) {
+                StartFade(0, m_nGameState);
+                present = false;
+            }
+            break;
+        }
+        case GS_DEAD:
+        case GS_BOSSKEY:
+            m_pGraph->BltFast(SURF_BUFFER, 0, 0, SURF_TEMP, kScreen, BLT_WAIT);
+            break;
+        case GS_QUIT:
+            m_pShow->Stop();
+            platform::PostMessage(WM_CLOSE, 0, 0);
+            break;
+        case GS_MAPMSG:
+        case GS_LOADMSG: {
+            bool map = m_nGameState == GS_MAPMSG;
+            m_pGraph->FillRect(SURF_BUFFER, nullptr, 0);
+            DrawOutlinedText(SURF_BUFFER, map ? "Loading map, please wait..." : "Loading game, please wait...", 320,
+                             240, RGB(255, 255, 255), RGB(218, 62, 2), false);
+            m_nGameState = map ? GS_ENTERMAP : GS_LOADGAME;
+            break;
+        }
+        case GS_ENTERMAP:
+            EnterMap();
+            present = false;
+            break;
+        case GS_LOADGAME:
+            present = LoadGame() != 0 ? false : true;
+            break;
+        default:
+            break;
+    }
+    if (!present || !platform::HasMainWindow()) return;
+    if (m_pGraph->MessageLine().framesLeft > 0) DrawMessageLine();
+    m_pGraph->Present();
+}
+
+void CGame::StartFade(int direction, int target) {
+    m_pGraph->BltFast(SURF_TEMP, 0, 0, SURF_BUFFER, kScreen, BLT_WAIT);
+    m_fade.source = kScreen;
+    m_nResumeState = target;
+    m_fade.kind = direction ? 1 : 0;
+    m_nGameState = GS_FADE;
+    if (m_fade.kind == 1) {
+        m_fade.level = 0;
+        m_fade.rising = 1;
+    } else {
+        m_fade.level = 31;
+        m_fade.rising = 0;
+    }
+}
+
+void CGame::ShowSplash(const char* name, int target) {
+    int pack = 1;
+    std::string file;
+    int32_t w = 0, h = 0;
+    bool loaded = SplitPictureRef(name, pack, file) && m_pGraph->GetBitmapSize(pack, file.c_str(), &w, &h) &&
+                  m_pGraph->LoadBitmapToSurface(pack, file.c_str(), SURF_TEMP, 0, 0, 0);
+    if (loaded) {
+        m_fade.source = SRect{0, 0, w, h};
+        m_fade.level = 31;
+        m_fade.rising = 0;
+        m_fade.kind = 2;
+        m_nResumeState = target;
+        m_nGameState = GS_FADE;
+    } else {
+        // A picture that cannot be loaded is passed over like "null".
+        ++m_nSplashCounter;
+        m_nGameState = target;
+    }
+}
+
+int CGame::PlayWav(const char* fileName) {
+    if (!fileName || !fileName[0]) return 0;
+    std::string path = std::string("sound\\") + fileName;
+    m_pSound->LoadWav(path.c_str());
+    m_pSound->Play(0);
+    return 1;
+}
+
+void CGame::DrawOutlinedText(int surf, const char* text, int32_t x, int32_t y, COLORREF outline, COLORREF color,
+                             bool diagonalOutline) {
+    static const int kDiagonal[4][2] = {{-1, 1}, {1, 1}, {-1, -1}, {1, -1}};
+    static const int kCross[4][2] = {{-1, 0}, {1, 0}, {0, -1}, {0, 1}};
+    const int (*offsets)[2] = diagonalOutline ? kDiagonal : kCross;
+    for (int i = 0; i < 4; ++i)
+        m_pGraph->DrawText(text, x + offsets[i][0], y + offsets[i][1], surf, TA_CENTER_TOP, outline);
+    m_pGraph->DrawText(text, x, y, surf, TA_CENTER_TOP, color);
+}
+
+void CGame::ComposeSnapshot() {
+    m_pGraph->BltFast(SURF_TEMP, 0, 0, SURF_GROUND, m_rcCamera, BLT_WAIT);
+    m_pGraph->BltFast(SURF_TEMP, 0, 0, SURF_ROLE, m_rcCamera, BLT_WAIT_SRCKEY);
+    m_pGraph->BltFast(SURF_TEMP, 0, 0, SURF_OBJECT, m_rcCamera, BLT_WAIT_SRCKEY);
+    DrawRain(1);
+}

@@ -1,0 +1,215 @@
+// CGame: construction, the start-up sequence, the configuration files and the
+// order of shutdown.
+#include <unistd.h>
+
+#include <cstring>
+
+#include "items/database.h"
+#include "media/graph.h"
+#include "media/mouse.h"
+#include "media/show.h"
+#include "media/sound.h"
+#include "media/window.h"
+#include "resources/ini.h"
+#include "shell/debug.h"
+#include "shell/game.h"
+#include "shell/gbk.h"
+#include "shell/log.h"
+#include "shell/message_box.h"
+
+CGame* g_pGame = nullptr;
+TCDataBase<SItemInfo>* g_pItemDB = nullptr;
+TCDataBase<SSkillInfo>* g_pSkillDB = nullptr;
+
+namespace {
+
+// Copies an INI value into a fixed field. The configuration must respect the
+// field's size; a longer value is cut instead of overrunning the field.
+template <size_t N>
+void CopyField(char (&field)[N], const std::string& value) {
+    strncpy(field, value.c_str(), N - 1);
+    field[N - 1] = 0;
+}
+
+}  // namespace
+
+CGame::CGame() {
+    // 1. Empty strings and lists; the ground-item list, the fade and counters.
+    m_itHoveredItem = m_listGroundItems.end();
+    // 2. Databases, display, map object and the role lists.
+    m_pItemDB = new TCDataBase<SItemInfo>();
+    m_pSkillDB = new TCDataBase<SSkillInfo>();
+    m_pGraph = new CGraph();
+    CreateWorld();
+    m_nHoveredNpc = -1;
+    m_nWanderTimer = 100;
+    e_brain = 0;
+    m_nHeldItemId = 0;
+    // 3. The four start-up panels, empty until Init loads their layouts.
+    CreatePanels();
+    // 4. The media player.
+    m_pShow = new KGDShowInstance();
+    // 5. The working directory and the engine log (truncated: one header per run).
+    if (!getcwd(m_szCurrentDir, sizeof(m_szCurrentDir) - 1)) m_szCurrentDir[0] = 0;
+    m_pLog = new CLog("GameEngine.log", true);
+    // 6. Modes and flags.
+    m_nGameState = GS_SPLASH;
+    m_bMusicStarted = 0;
+    m_bHandEmpty = 1;
+    m_bActive = 1;
+    // 7. The effect sound.
+    m_pSound = new CSound();
+    // 8. Globals.
+    g_pGame = this;
+    g_pGraph = m_pGraph;
+    g_pItemDB = m_pItemDB;
+    g_pSkillDB = m_pSkillDB;
+    m_bWindowed = 0;
+    m_nBitsPerPel = 16;
+}
+
+CGame::~CGame() {
+    // 1-2. Desktop depth and font table: nothing to restore on this platform.
+    // 3. The hover sound belongs to the button class; the mouse device.
+    PublishButtonGlobals(nullptr);
+    if (m_pMouse) m_pMouse->ReleaseMouse();
+    // 4. Panels, world objects, display, databases.
+    DeletePanels();
+    DeleteWorld();
+    delete m_pGraph;
+    m_pGraph = nullptr;
+    g_pGraph = nullptr;
+    delete m_pItemDB;
+    delete m_pSkillDB;
+    m_pItemDB = nullptr;
+    m_pSkillDB = nullptr;
+    g_pItemDB = nullptr;
+    g_pSkillDB = nullptr;
+    // 5. The effect sound and the sound device.
+    delete m_pSound;
+    m_pSound = nullptr;
+    delete m_pMouse;
+    m_pMouse = nullptr;
+    ReleaseSound();
+    // 6. The media player.
+    delete m_pShow;
+    m_pShow = nullptr;
+    delete m_pReplay;
+    m_pReplay = nullptr;
+    // 7. The engine log.
+    delete m_pLog;
+    m_pLog = nullptr;
+    if (g_pGame == this) g_pGame = nullptr;
+}
+
+int CGame::ChangeDisplayBitsPerPel(int bits) {
+    // The desktop's depth is never changed here; the display works in its own
+    // 16-bit buffers whatever the desktop runs at.
+    DebugOut("cgame::ChangeDisplayBitsPerPel failed.\n");
+    m_nBitsPerPel = bits;
+    return 0;
+}
+
+int CGame::CreateMainWindow(int, int windowed) {
+    if (!platform::CreateMainWindow(windowed != 0, &CGame::WindowProc)) return 0;
+    m_hWnd = this;
+    return 1;
+}
+
+int CGame::Init(int showCommand) {
+    // 2. The bootstrap game.ini on disk: windowed or full screen, and the scale.
+    {
+        CIni boot("game.ini", nullptr);
+        if (!boot.IsFailed()) {
+            m_bWindowed = boot.GetInt("MDfile", "windowmode") == 1 ? 1 : 0;
+            int scale = boot.GetInt("MDfile", "scale");
+            if (m_harness.scale == 0 && scale > 0) m_harness.scale = scale;
+        }
+    }
+    // 3. Desktop depth (kept as it is).
+    if (m_bWindowed) ChangeDisplayBitsPerPel(m_nBitsPerPel);
+    // 4. The main window.
+    if (!CreateMainWindow(showCommand, m_bWindowed)) return 0;
+    // 5. The display.
+    if (!m_pGraph->Init(m_bWindowed)) {
+        MessageBox("Initialize DirectDraw failed!", "Error", MB_ICONERROR);
+        m_pGraph->Release();
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    // 6. The mouse device.
+    m_pMouse = new CMouse();
+    if (m_pMouse->CreateMouse(1, 0, 1) != 0) {
+        m_pLog->Write("Create Input Device---Mouse...Failed!");
+        MessageBox("Initialize DirectInput failed!", "Error", MB_ICONERROR);
+        m_pGraph->Release();
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    m_pLog->Write("Create Input Device---Mouse...OK!");
+    // 7. Sound: a failure leaves the game silent.
+    if (!InitSound()) {
+        MessageBox("Initialize DirectSound failed!", "error", MB_ICONERROR);
+        SetSoundEnabled(false);
+        ReleaseSound();
+    }
+    // 8. The shared button hover sound.
+    {
+        CSound* hover = new CSound();
+        if (hover->LoadWav("sound\\button_over.wav")) {
+            PublishButtonGlobals(hover);
+        } else {
+            delete hover;
+            PublishButtonGlobals(nullptr);
+        }
+    }
+    // 9-10. The databases.
+    if (!m_pItemDB->Load("data\\items.itm", 8, 0x69746532)) {
+        MessageBox("Load item database failed!", "Error", MB_ICONERROR);
+        m_pGraph->Release();
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    if (!m_pSkillDB->Load("data\\skill.skl", 8, 0x736B6C32)) {
+        MessageBox("Load skill database failed!", "Error", MB_ICONERROR);
+        m_pGraph->Release();
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    // 11. The two game.ini files.
+    if (!ReadGameIni("game.ini")) {
+        MessageBox("Load game.ini failed!", "Error", MB_ICONERROR);
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    // 12. The start-up panel layouts.
+    if (!LoadPanels()) {
+        MessageBox("Load ini files failed!", "Error", MB_ICONERROR);
+        platform::DestroyMainWindow();
+        return 0;
+    }
+    // 13. Hide the system cursor until the splash pictures are over.
+    platform::ShowCursor(false);
+    return 1;
+}
+
+int CGame::ReadGameIni(const char* fileName) {
+    CIni ini;
+    if (!ini.Open(fileName, nullptr)) return 0;
+    CopyField(m_szIniPack, ini.GetString("MDfile", "ini"));
+    ini.Close();
+    if (!ini.Open(fileName, m_szIniPack)) return 0;
+    for (int i = 0; i < 5; ++i) {
+        char section[32];
+        snprintf(section, sizeof(section), "FlashWindow%d", i + 1);
+        CopyField(m_szSplash[i], ini.GetString(section, "pic"));
+    }
+    CopyField(m_szStartMusic, ini.GetString("music", "start"));
+    CopyField(m_szEndMusic, ini.GetString("music", "end"));
+    static const char* const kPackKeys[6] = {"role", "ui", "face", "items", "skill", "tiles"};
+    for (int pack = 0; pack < 6; ++pack) m_pGraph->SetPackPath(pack, ini.GetString("MDfile", kPackKeys[pack]).c_str());
+    CopyField(m_szScriptPack, ini.GetString("MDfile", "script"));
+    ini.Close();
+    LoadMapRegistries();
+    return 1;
+}

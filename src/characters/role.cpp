@@ -1,0 +1,259 @@
+// Roles: the animation file, frames and drawing, the per-tick update.
+#include "characters/role.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "media/graph.h"
+#include "shell/debug.h"
+#include "shell/log.h"
+#include "shell/paths.h"
+
+namespace {
+struct SFileCloser {
+    void operator()(FILE* f) const { if (f) std::fclose(f); }
+};
+// Frames larger than the scratch sheet cannot be staged and are not drawn.
+constexpr int32_t kMaxFrameSide = 640;
+constexpr int kScratch = SURF_TILE;  // unused during play once the map is drawn
+}  // namespace
+
+bool ReadRoleFile(const char* hostPath, SRoleFileHeader& header, std::vector<SRoleAction>& actions,
+                  std::vector<SRoleFrame>& frames) {
+    std::unique_ptr<FILE, SFileCloser> file(std::fopen(hostPath, "rb"));
+    if (!file) return false;
+    std::fseek(file.get(), 0, SEEK_END);
+    const long length = std::ftell(file.get());
+    std::fseek(file.get(), 0, SEEK_SET);
+    if (length < long(sizeof header) || std::fread(&header, sizeof header, 1, file.get()) != 1) return false;
+    if (header.magic != ROLE_FILE_MAGIC) return false;
+    if (header.actionCount < 0 || header.frameCount < 0 || header.actionCount > 4096 || header.frameCount > 1 << 20)
+        return false;
+    const int64_t need = int64_t(sizeof header) + int64_t(header.actionCount) * int64_t(sizeof(SRoleAction)) +
+                         int64_t(header.frameCount) * int64_t(sizeof(SRoleFrame));
+    if (need > int64_t(length)) return false;
+    actions.resize(size_t(header.actionCount));
+    frames.resize(size_t(header.frameCount));
+    if (std::fread(actions.data(), sizeof(SRoleAction), actions.size(), file.get()) != actions.size()) return false;
+    if (std::fread(frames.data(), sizeof(SRoleFrame), frames.size(), file.get()) != frames.size()) return false;
+    for (SRoleAction& a : actions) a.name[sizeof a.name - 1] = 0;
+    for (SRoleFrame& f : frames) f.bitmap[sizeof f.bitmap - 1] = 0;
+    return true;
+}
+
+bool WriteRoleFile(const char* hostPath, const std::vector<SRoleAction>& actions,
+                   const std::vector<SRoleFrame>& frames) {
+    std::unique_ptr<FILE, SFileCloser> file(std::fopen(hostPath, "wb"));
+    if (!file) return false;
+    SRoleFileHeader header{};
+    header.magic = ROLE_FILE_MAGIC;
+    header.frameCount = int32_t(frames.size());
+    header.actionCount = int32_t(actions.size());
+    bool ok = std::fwrite(&header, sizeof header, 1, file.get()) == 1;
+    ok = ok && std::fwrite(actions.data(), sizeof(SRoleAction), actions.size(), file.get()) == actions.size();
+    ok = ok && std::fwrite(frames.data(), sizeof(SRoleFrame), frames.size(), file.get()) == frames.size();
+    return ok && std::fclose(file.release()) == 0;
+}
+
+void BrightenPixels(uint16_t* pixels, int32_t width, int32_t height, int32_t pitch) {
+    for (int32_t y = 0; y < height; ++y) {
+        uint16_t* row = pixels + size_t(y) * size_t(pitch);
+        for (int32_t x = 0; x < width; ++x) {
+            const uint16_t p = row[x];
+            if (p == KEY565) continue;
+            int r = p >> 11, g = (p >> 5) & 63, b = p & 31;
+            r = r + 7 > 31 ? 31 : r + 7;
+            g = g >= 49 ? 63 : g + 14;
+            b = b > 23 ? 31 : b + 7;
+            row[x] = uint16_t((r << 11) | (g << 5) | b);
+        }
+    }
+}
+
+CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32_t attack, int32_t maxHp,
+             int cacheKind)
+    : m_pLog(std::make_unique<CLog>("GameEngine.log", false)),
+      m_nMaxHp(maxHp), m_nHp(maxHp), m_nAttack(attack), m_nCacheKind(cacheKind) {
+    std::snprintf(m_szName, sizeof m_szName, "%s", name ? name : "");
+    std::snprintf(m_szFightSound, sizeof m_szFightSound, "%s", "role_fight.wav");
+    m_x = x;
+    m_y = y;
+    const std::string path = HostPath(std::string("data\\") + (fileName ? fileName : ""));
+    if (!ReadRoleFile(path.c_str(), m_header, m_actions, m_frames)) {
+        m_actions.clear();
+        m_frames.clear();
+        return;
+    }
+    if (g_pGraph) {
+        for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(0, f.bitmap, cacheKind);
+    }
+    int a = FindAction("stand");
+    if (a < 0) a = FindAction("walk");
+    if (a >= 0) {
+        const int f = m_actions[size_t(a)].firstFrame;
+        if (f >= 0 && size_t(f) < m_frames.size()) {
+            m_nFrame = f;
+            m_x = x + m_frames[size_t(f)].width / 2;
+            m_y = y - m_frames[size_t(f)].height / 2;
+        }
+    }
+}
+
+CRole::~CRole() = default;
+
+int CRole::FindAction(const char* name) const {
+    for (size_t i = 0; i < m_actions.size(); ++i)
+        if (std::strcmp(m_actions[i].name, name) == 0) return int(i);
+    return -1;
+}
+
+int CRole::FrameIndex(int action, int dir, int k) const {
+    if (action < 0 || size_t(action) >= m_actions.size()) return -1;
+    const SRoleAction& a = m_actions[size_t(action)];
+    const int64_t f = int64_t(a.firstFrame) + int64_t(dir - 1) * a.framesPerDir + k;
+    if (f < 0 || f >= int64_t(m_frames.size())) return -1;
+    return int(f);
+}
+
+bool CRole::IsDead() const { return std::strcmp(m_szState, "die") == 0 || std::strcmp(m_szState, "dieout") == 0; }
+
+void CRole::SetStateName(const char* name) {
+    if (std::strcmp(m_szState, name) != 0) std::snprintf(m_szState, sizeof m_szState, "%s", name);
+}
+
+void CRole::DrawFrameIndex(int frame) {
+    if (frame < 0 || size_t(frame) >= m_frames.size()) return;
+    m_nFrame = frame;
+    if (!g_pGraph) return;
+    const SRoleFrame& f = m_frames[size_t(frame)];
+    const int32_t w = f.width, h = f.height;
+    if (w <= 0 || h <= 0 || w > kMaxFrameSide || h > kMaxFrameSide) return;
+    CSurface* scratch = g_pGraph->GetSurface(kScratch);
+    if (!scratch || scratch->width < w || scratch->height < h) return;
+    SRect area{0, 0, w, h};
+    g_pGraph->FillRect(kScratch, &area, KEY565);
+    if (!g_pGraph->DrawBitmapData(0, f.bitmap, kScratch, 0, 0, m_nNpcId == 0 ? 1 : 0))
+        DebugOut("loadmdbitmap failed.\n");
+    if (m_bHighlight && std::strcmp(m_szState, "die") != 0) BrightenPixels(scratch->Row(0), w, h, scratch->width);
+    g_pGraph->BltClipped(m_nDrawSurface, WORLD_W, WORLD_H, kScratch, BLT_WAIT_SRCKEY, m_x - w / 2, m_y - h / 2, 0, 0,
+                         w, h);
+}
+
+int CRole::SetAction(int dir, const char* name, int k) {
+    m_nDir = dir;
+    SetStateName(name);
+    DrawFrameIndex(FrameIndex(FindAction(name), dir, k));
+    return dir;
+}
+
+void CRole::DrawFrame(int k) { DrawFrameIndex(FrameIndex(FindAction(m_szState), m_nDir, k)); }
+
+void CRole::Stand() {
+    SetStateName("stand");
+    m_nStep = 0;
+    if (m_nNpcId == 0) {
+        m_pFightTarget = nullptr;
+        m_nFightTargetId = -1;
+    }
+}
+
+void CRole::DieTick() {
+    const int a = FindAction("die");
+    if (a < 0) {
+        SetStateName("dieout");
+        return;
+    }
+    const int n = m_actions[size_t(a)].framesPerDir;
+    DrawFrame(m_nStep);
+    m_nStep += 1;
+    if (m_nStep > n - 1) {
+        m_nStep = n - 1 < 0 ? 0 : n - 1;
+        m_bHighlight = 0;
+        m_nDrawSurface = SURF_GROUND;
+        DrawFrame(m_nStep);
+        m_nDrawSurface = SURF_ROLE;
+        DebugOut("die\n");
+        DebugOut("copy over\n");
+        SetStateName("dieout");
+    }
+}
+
+void CRole::Update(uint32_t stepWord) {
+    if (m_nHp <= 0) SetStateName("die");
+    if (m_szState[0] == 0) Stand();
+    if (std::strcmp(m_szState, "stand") == 0) {
+        const int a = FindAction("stand");
+        const int n = a >= 0 ? m_actions[size_t(a)].framesPerDir : 1;
+        m_nStep += 1;
+        if (m_nStep > n - 1) m_nStep = 0;
+        DrawFrame(m_nStep);
+    } else if (std::strcmp(m_szState, "walk") == 0) {
+        WalkTick(3, stepWord);
+    } else if (std::strcmp(m_szState, "run") == 0) {
+        WalkTick(6, stepWord);
+    } else if (std::strcmp(m_szState, "die") == 0) {
+        DieTick();
+    }
+    // "fight" and the skill animation are driven by combat.
+}
+
+SRect CRole::GetRect() const {
+    if (m_nFrame < 0 || size_t(m_nFrame) >= m_frames.size()) return SRect{m_x, m_y, m_x, m_y};
+    const SRoleFrame& f = m_frames[size_t(m_nFrame)];
+    return SRect{m_x - f.width / 2, m_y - f.height / 2, m_x + f.width / 2, m_y + f.height / 2};
+}
+
+SPoint CRole::GetViewOrigin() const {
+    int32_t ox = m_x - SCREEN_W / 2, oy = m_y - SCREEN_H / 2;
+    if (ox <= 0) ox = 0;
+    if (oy <= 0) oy = 0;
+    if (ox + SCREEN_W > WORLD_W) ox = WORLD_W - SCREEN_W;
+    if (oy + SCREEN_H > WORLD_H) oy = WORLD_H - SCREEN_H;
+    return SPoint{ox, oy};
+}
+
+void CRole::GetInfo(SRoleInfo& out) const {
+    out.x = m_x;
+    out.y = m_y;
+    out.direction = m_nDir;
+    out.money = m_nMoney;
+    out.level = m_nLevel;
+    out.maxHp = m_nMaxHp;
+    out.hp = m_nHp;
+    out.maxMp = m_nMaxMp;
+    out.mp = m_nMp;
+    out.nextExp = m_nNextExp;
+    out.exp = m_nExp;
+    out.attack = m_nAttack;
+    out.defence = m_nDefence;
+    out.moral = m_nMoral;
+    out.hitRate = m_nHitRate;
+    out.bag = m_pBag;
+    out.equipment = m_pEquipment;
+    out.skillId = 0;
+    out.skillLevel = 0;
+    out.skills = m_vecSkills;
+}
+
+void CRole::SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment) {
+    m_x = info.x;
+    m_y = info.y;
+    m_nDir = info.direction;
+    m_nMoney = info.money;
+    m_nLevel = info.level;
+    m_nMaxHp = info.maxHp;
+    m_nHp = info.hp;
+    m_nMaxMp = info.maxMp;
+    m_nMp = info.mp;
+    m_nNextExp = info.nextExp;
+    m_nExp = info.exp;
+    m_nAttack = info.attack;
+    m_nDefence = info.defence;
+    m_nMoral = info.moral;
+    m_nHitRate = info.hitRate;
+    m_vecSkills = info.skills;
+    m_pBag = bag;
+    m_pEquipment = equipment;
+    m_pFightTarget = nullptr;
+    m_nFightTargetId = -1;
+}

@@ -1,0 +1,186 @@
+#include "music.h"
+
+#include <vorbis/vorbisenc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "dsp.h"
+#include "instruments.h"
+
+namespace audiogen {
+
+bool RenderMusic(const MusicRecipe& m, StereoBuffer& out, std::string& error) {
+  const int rate = out.rate;
+  const double seconds = m.TotalBeats() * m.BeatSeconds();
+  const size_t len = static_cast<size_t>(std::llround(seconds * rate));
+  if (len < static_cast<size_t>(rate)) {
+    error = "piece shorter than a second";
+    return false;
+  }
+  Instruments inst(rate);
+  for (const Part& p : m.parts) {
+    if (!p.instrument.empty() && !inst.Known(p.instrument)) {
+      error = "unknown instrument '" + p.instrument + "' in part '" + p.name + "'";
+      return false;
+    }
+  }
+  std::vector<Note> notes = Compose(m);
+
+  std::vector<float> dryL(len, 0.f), dryR(len, 0.f), sendL(len, 0.f), sendR(len, 0.f);
+  std::vector<float> samples;
+  Rng rng(m.seed * 31 + 7);
+  for (const Note& n : notes) {
+    const Part& p = m.parts[n.part];
+    NoteRequest req;
+    req.instrument = n.instrument;
+    req.hz = n.midi > 0 ? MidiToHz(n.midi) : 0;
+    req.length = n.length;
+    req.attack = p.attack;
+    req.release = p.release;
+    inst.Render(req, rng, samples);
+    const double g = p.gain * n.velocity;
+    const double angle = (p.pan + 1.0) * kPi / 4.0;
+    const float gl = static_cast<float>(g * std::cos(angle)), gr = static_cast<float>(g * std::sin(angle));
+    const float sl = static_cast<float>(gl * p.send), sr = static_cast<float>(gr * p.send);
+    long long start = std::llround(n.start * rate) % static_cast<long long>(len);
+    if (start < 0) start += static_cast<long long>(len);
+    size_t pos = static_cast<size_t>(start);
+    for (float s : samples) {
+      dryL[pos] += s * gl;
+      dryR[pos] += s * gr;
+      sendL[pos] += s * sl;
+      sendR[pos] += s * sr;
+      if (++pos == len) pos = 0;
+    }
+  }
+
+  // Reverb: two passes round the loop so the second pass starts with the tail of the end.
+  Reverb rl, rr;
+  rl.Init(rate, m.room, m.damp, 0);
+  rr.Init(rate, m.room, m.damp, 23);
+  OnePole hl, hr;  // keep rumble out of the wet signal
+  hl.Set(90, rate);
+  hr.Set(90, rate);
+  out.left.assign(len, 0.f);
+  out.right.assign(len, 0.f);
+  for (int pass = 0; pass < 2; ++pass) {
+    for (size_t i = 0; i < len; ++i) {
+      double wl = rl.Run(sendL[i]), wr = rr.Run(sendR[i]);
+      wl -= hl.Run(wl);
+      wr -= hr.Run(wr);
+      if (pass == 1) {
+        out.left[i] = static_cast<float>(dryL[i] + m.reverb * wl);
+        out.right[i] = static_cast<float>(dryR[i] + m.reverb * wr);
+      }
+    }
+  }
+
+  // Level to the target loudness, then a static soft knee so peaks stay below full scale
+  // (a memoryless curve keeps the loop seamless).
+  double sum = 0;
+  for (size_t i = 0; i < len; ++i) sum += out.left[i] * out.left[i] + out.right[i] * out.right[i];
+  const double rms = std::sqrt(sum / (2.0 * len));
+  if (rms < 1e-7) {
+    error = "piece is silent";
+    return false;
+  }
+  const double g = DbToGain(m.rmsDb) / rms;
+  auto shape = [g](float x) {
+    double v = x * g;
+    double a = std::fabs(v);
+    if (a > 0.7) a = 0.7 + 0.28 * std::tanh((a - 0.7) / 0.28);
+    return static_cast<float>(v < 0 ? -a : a);
+  };
+  for (size_t i = 0; i < len; ++i) {
+    out.left[i] = shape(out.left[i]);
+    out.right[i] = shape(out.right[i]);
+  }
+  return true;
+}
+
+namespace {
+
+void AppendPage(const ogg_page& og, std::vector<uint8_t>& bytes) {
+  bytes.insert(bytes.end(), og.header, og.header + og.header_len);
+  bytes.insert(bytes.end(), og.body, og.body + og.body_len);
+}
+
+}  // namespace
+
+bool EncodeVorbis(const StereoBuffer& in, double quality, const std::string& title,
+                  std::vector<uint8_t>& bytes, std::string& error) {
+  bytes.clear();
+  vorbis_info vi;
+  vorbis_info_init(&vi);
+  if (vorbis_encode_init_vbr(&vi, 2, in.rate, static_cast<float>(quality)) != 0) {
+    vorbis_info_clear(&vi);
+    error = "vorbis encoder refused the settings";
+    return false;
+  }
+  vorbis_comment vc;
+  vorbis_comment_init(&vc);
+  vorbis_comment_add_tag(&vc, "TITLE", title.c_str());
+  vorbis_comment_add_tag(&vc, "ARTIST", "Ashen Oath");
+  // Loop markers for players that honour them: the whole file is the loop.
+  vorbis_comment_add_tag(&vc, "LOOPSTART", "0");
+  vorbis_comment_add_tag(&vc, "LOOPLENGTH", std::to_string(in.left.size()).c_str());
+
+  vorbis_dsp_state vd;
+  vorbis_block vb;
+  vorbis_analysis_init(&vd, &vi);
+  vorbis_block_init(&vd, &vb);
+  ogg_stream_state os;
+  ogg_stream_init(&os, 0x41736821);  // fixed serial: same input, same bytes
+
+  ogg_packet header, comm, code;
+  vorbis_analysis_headerout(&vd, &vc, &header, &comm, &code);
+  ogg_stream_packetin(&os, &header);
+  ogg_stream_packetin(&os, &comm);
+  ogg_stream_packetin(&os, &code);
+  ogg_page og;
+  while (ogg_stream_flush(&os, &og) != 0) AppendPage(og, bytes);
+
+  const size_t total = in.left.size();
+  const size_t chunk = 4096;
+  size_t done = 0;
+  bool eos = false, ended = false;
+  while (!eos) {
+    if (ended) {
+      error = "vorbis stream did not end";
+      break;
+    }
+    if (done < total) {
+      size_t n = std::min(chunk, total - done);
+      float** buf = vorbis_analysis_buffer(&vd, static_cast<int>(n));
+      std::memcpy(buf[0], in.left.data() + done, n * sizeof(float));
+      std::memcpy(buf[1], in.right.data() + done, n * sizeof(float));
+      vorbis_analysis_wrote(&vd, static_cast<int>(n));
+      done += n;
+    } else {
+      vorbis_analysis_wrote(&vd, 0);  // end of input: the last packet carries end-of-stream
+      ended = true;
+    }
+    while (vorbis_analysis_blockout(&vd, &vb) == 1) {
+      vorbis_analysis(&vb, nullptr);
+      vorbis_bitrate_addblock(&vb);
+      ogg_packet op;
+      while (vorbis_bitrate_flushpacket(&vd, &op)) {
+        ogg_stream_packetin(&os, &op);
+        while (ogg_stream_pageout(&os, &og) != 0) {
+          AppendPage(og, bytes);
+          if (ogg_page_eos(&og)) eos = true;
+        }
+      }
+    }
+  }
+  ogg_stream_clear(&os);
+  vorbis_block_clear(&vb);
+  vorbis_dsp_clear(&vd);
+  vorbis_comment_clear(&vc);
+  vorbis_info_clear(&vi);
+  return eos && !bytes.empty();
+}
+
+}  // namespace audiogen

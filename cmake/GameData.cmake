@@ -9,9 +9,11 @@ if(TARGET textc)
   ashen_data_step(ini_text
     COMMAND $<TARGET_FILE:textc> ${CMAKE_SOURCE_DIR}/content/ini ${ASHEN_STAGE_DIR}/ini
     DEPENDS textc ${ASHEN_INI_SOURCES})
-  ashen_data_step(script_text
-    COMMAND $<TARGET_FILE:textc> ${CMAKE_SOURCE_DIR}/content/script ${ASHEN_STAGE_DIR}/script
-    DEPENDS textc ${ASHEN_SCRIPT_SOURCES})
+  if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/content/script)
+    ashen_data_step(script_text
+      COMMAND $<TARGET_FILE:textc> ${CMAKE_SOURCE_DIR}/content/script ${ASHEN_STAGE_DIR}/script
+      DEPENDS textc ${ASHEN_SCRIPT_SOURCES})
+  endif()
 endif()
 
 get_property(ASHEN_DATA_STAMPS GLOBAL PROPERTY ASHEN_DATA_STAMPS)
@@ -54,4 +56,8 @@ add_custom_command(OUTPUT ${ASHEN_GAME_DIR}/data/seguibk.ttf
 list(APPEND ASHEN_GAME_OUTPUTS ${ASHEN_GAME_DIR}/data/seguibk.ttf)
 
 add_custom_target(game_data ALL DEPENDS ${ASHEN_GAME_OUTPUTS})
+get_property(ASHEN_DATA_TARGETS GLOBAL PROPERTY ASHEN_DATA_TARGETS)
+if(ASHEN_DATA_TARGETS)
+  add_dependencies(game_data ${ASHEN_DATA_TARGETS})
+endif()
 add_dependencies(ashen-oath game_data)

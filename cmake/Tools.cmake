@@ -26,5 +26,9 @@ function(ashen_data_step name)
     WORKING_DIRECTORY ${CMAKE_SOURCE_DIR}
     COMMENT "Generating game data: ${name}"
     VERBATIM)
+  # A target per step lets the game data (defined in another directory) order
+  # itself after the step; the stamp file then carries the file-level dependency.
+  add_custom_target(data_${name} DEPENDS ${stamp})
   set_property(GLOBAL APPEND PROPERTY ASHEN_DATA_STAMPS ${stamp})
+  set_property(GLOBAL APPEND PROPERTY ASHEN_DATA_TARGETS data_${name})
 endfunction()

@@ -62,7 +62,7 @@ struct SHarnessOptions {
 
 // The fade record.
 struct SFade {
-    int32_t phase = 2;     // 2 steady; 0 first frame still to be faded in
+    int32_t phase = 0;     // 2 steady; 0 first frame still to be faded in
     int32_t kind = 0;      // 0 fade in, 1 fade out, 2 splash picture
     int32_t level = 0;     // 0 none .. 31 black; negative: waiting time
     int32_t rising = 0;    // 1 while the level grows
@@ -94,6 +94,9 @@ public:
 
     // ---- loop and modes (game_loop.cpp) ----
     int Run();
+    // One pass of the loop: a waiting message, or else at most one frame. False
+    // when WM_QUIT arrived (its code in quitCode).
+    bool RunOnce(int& quitCode);
     static intptr_t WindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam);
     void UpdateFrame();
     void StartFade(int direction, int target);

@@ -54,35 +54,44 @@ intptr_t CGame::WindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam) 
 int CGame::Run() {
     platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(this), 0);
     HarnessStart();
-    SMsg msg;
-    for (;;) {
-        PollMediaEvents();
-        if (platform::PeekMessage(msg)) {
-            if (!platform::GetMessage(msg)) break;  // WM_QUIT
-            platform::DispatchMessage(msg);
-            continue;
-        }
-        if (m_bActive) {
-            if (m_harness.uncapped) clock_control::AdvanceTicks(41);
-            uint32_t now = GetTickCount();
-            // Signed 32-bit comparison: exactly 40 ms after the last frame is not yet.
-            if (int32_t(now) > int32_t(m_nLastFrameTick + 40)) {
-                if (HarnessInjectInput()) {
-                    if (m_harness.uncapped) clock_control::AdvanceTicks(uint32_t(-41));
-                    continue;  // the frame's input goes through the queue first
-                }
-                UpdateFrame();
-                m_nLastFrameTick = now;
-                HarnessAfterFrame();
-            } else if (!m_harness.uncapped) {
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        } else {
-            // Inactive: no frames; wait for the next message.
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
+    int quitCode = 0;
+    while (RunOnce(quitCode)) {
     }
-    return int(msg.wParam);
+    return quitCode;
+}
+
+bool CGame::RunOnce(int& quitCode) {
+    PollMediaEvents();
+    SMsg msg;
+    if (platform::PeekMessage(msg)) {
+        if (!platform::GetMessage(msg)) {  // WM_QUIT
+            quitCode = int(msg.wParam);
+            return false;
+        }
+        platform::DispatchMessage(msg);
+        return true;
+    }
+    if (!m_bActive) {
+        // Inactive: no frames; wait for the next message.
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return true;
+    }
+    if (m_harness.uncapped) clock_control::AdvanceTicks(41);
+    uint32_t now = GetTickCount();
+    // Signed 32-bit comparison: exactly 40 ms after the last frame is not yet.
+    if (int32_t(now) > int32_t(m_nLastFrameTick + 40)) {
+        if (m_pReplay && HarnessInjectInput()) {
+            if (m_harness.uncapped) clock_control::AdvanceTicks(uint32_t(-41));
+            return true;  // the frame's input goes through the queue first
+        }
+        UpdateFrame();
+        m_nLastFrameTick = now;
+        if (m_pReplay) HarnessAfterFrame();
+        else ++m_nFrameCount;
+    } else if (!m_harness.uncapped) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }
 
 void CGame::UpdateFrame() {

@@ -1,0 +1,80 @@
+// Running the real game binary in a scratch copy of the game folder.
+#pragma once
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+namespace e2e {
+
+namespace fs = std::filesystem;
+
+inline std::string ReadFile(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+inline void WriteFile(const fs::path& p, const std::string& text) {
+    std::ofstream out(p, std::ios::binary);
+    out << text;
+}
+
+// A fresh copy of the game folder (symlinking the big read-only files).
+inline fs::path CopyGame(const std::string& name) {
+    fs::path dst = fs::temp_directory_path() / ("ashen_e2e_" + name + "_" + std::to_string(getpid()));
+    fs::remove_all(dst);
+    fs::create_directories(dst);
+    for (auto& e : fs::directory_iterator(ASHEN_GAME_DIR)) {
+        fs::path to = dst / e.path().filename();
+        std::string fn = e.path().filename().string();
+        if (fn == "saves" || fn == "screenshot") {
+            fs::create_directories(to);
+        } else if (fn == "GameEngine.log" || fn == "exceptionLog.log") {
+            continue;
+        } else if (e.is_directory()) {
+            fs::create_directories(to);
+            for (auto& f : fs::directory_iterator(e.path())) fs::create_symlink(f.path(), to / f.path().filename());
+        } else if (fn == "game.ini" || fn == "ashen-oath" || fn == "launcher") {
+            fs::copy_file(e.path(), to);
+        } else {
+            fs::create_symlink(e.path(), to);
+        }
+    }
+    return dst;
+}
+
+struct Result {
+    int exitCode = -1;
+    int signal = 0;
+    std::string out, err;
+};
+
+// Runs a shell command line in dir, capturing stdout and stderr.
+inline Result Run(const fs::path& dir, const std::string& args, const std::string& env = "") {
+    fs::path out = dir / "stdout.txt", err = dir / "stderr.txt";
+    std::string cmd = "cd '" + dir.string() + "' && " + env + " ./ashen-oath " + args + " >'" + out.string() +
+                      "' 2>'" + err.string() + "'";
+    int status = std::system(cmd.c_str());
+    Result r;
+    if (WIFEXITED(status)) r.exitCode = WEXITSTATUS(status);
+    r.out = ReadFile(out);
+    r.err = ReadFile(err);
+    return r;
+}
+
+// The integer value of a "key": in a flat JSON text, or fallback.
+inline long JsonInt(const std::string& json, const std::string& key, long fallback = -999999) {
+    std::string k = "\"" + key + "\":";
+    size_t p = json.find(k);
+    if (p == std::string::npos) return fallback;
+    return std::strtol(json.c_str() + p + k.size(), nullptr, 10);
+}
+
+}  // namespace e2e

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <deque>
 
+#include "media/cursor_ani.h"
 #include "shell/gbk.h"
 #include "shell/message_box.h"
 
@@ -30,6 +31,10 @@ struct State {
     bool injectedButtons = false;  // replay input owns the held-button state
     std::function<void(const uint16_t*)> frameObserver;
     bool cursorShown = true;
+    SAniCursor ani;
+    std::vector<SDL_Cursor*> cursors;
+    uint32_t cursorStart = 0;
+    uint32_t shownImage = UINT32_MAX;
 };
 State g;
 
@@ -104,8 +109,25 @@ void Translate(const SDL_Event& e) {
     }
 }
 
+void AnimateCursor() {
+    if (g.cursors.empty()) return;
+    uint32_t image = g.ani.ImageAt(SDL_GetTicks() - g.cursorStart);
+    if (image != g.shownImage && image < g.cursors.size() && g.cursors[image]) {
+        SDL_SetCursor(g.cursors[image]);
+        g.shownImage = image;
+    }
+}
+
+void FreeCursors() {
+    for (SDL_Cursor* c : g.cursors)
+        if (c) SDL_FreeCursor(c);
+    g.cursors.clear();
+    g.shownImage = UINT32_MAX;
+}
+
 void Pump() {
     if (!g.sdlStarted) return;
+    AnimateCursor();
     SDL_Event e;
     while (SDL_PollEvent(&e)) Translate(e);
 }
@@ -137,6 +159,7 @@ bool Init(const SOptions& options) {
 }
 
 void Shutdown() {
+    FreeCursors();
     if (g.texture) SDL_DestroyTexture(g.texture);
     if (g.renderer) SDL_DestroyRenderer(g.renderer);
     if (g.window) SDL_DestroyWindow(g.window);
@@ -316,6 +339,20 @@ void InjectButton(int button, bool down, int32_t x, int32_t y) {
 void InjectKey(int vk) { Push(WM_KEYDOWN, uintptr_t(vk), 0); }
 
 void InjectQuit() { Push(WM_CLOSE, 0, 0); }
+
+void SetAnimatedCursor(const SAniCursor* cursor) {
+    FreeCursors();
+    g.ani = cursor ? *cursor : SAniCursor{};
+    if (g.headless || !g.sdlStarted || !cursor) return;
+    for (SCursorImage& img : g.ani.images) {
+        SDL_Surface* s = SDL_CreateRGBSurfaceWithFormatFrom(img.argb.data(), img.width, img.height, 32, img.width * 4,
+                                                            SDL_PIXELFORMAT_ARGB8888);
+        g.cursors.push_back(s ? SDL_CreateColorCursor(s, img.hotX, img.hotY) : nullptr);
+        if (s) SDL_FreeSurface(s);
+    }
+    g.cursorStart = SDL_GetTicks();
+    AnimateCursor();
+}
 
 void SetFrameObserver(std::function<void(const uint16_t*)> observer) { g.frameObserver = std::move(observer); }
 

@@ -13,6 +13,8 @@ struct SMsg {
     intptr_t lParam = 0;
 };
 
+struct SAniCursor;
+
 using WindowProc = intptr_t (*)(uint32_t message, uintptr_t wParam, intptr_t lParam);
 
 namespace platform {
@@ -51,6 +53,10 @@ void SetCursorPos(int32_t x, int32_t y);
 void ShowCursor(bool show);
 // Held mouse buttons (SDL state, or the replayed state).
 bool IsButtonDown(int button);  // 0 left, 1 right
+
+// The window's cursor: an animated cursor (nullptr: the standard arrow). The
+// window layer keeps its own copy and animates it between messages.
+void SetAnimatedCursor(const SAniCursor* cursor);
 
 // Presents a 640 x 480 5-6-5 frame in the window (nothing when headless).
 void PresentFrame(const uint16_t* pixels);

@@ -91,6 +91,7 @@ public:
     int ReadGameIni(const char* fileName);
     int CreateMainWindow(int showCommand, int windowed);
     int ChangeDisplayBitsPerPel(int bits);
+    void LoadCursor();
 
     // ---- loop and modes (game_loop.cpp) ----
     int Run();
@@ -254,6 +255,7 @@ public:
     std::vector<uint16_t> m_vecRainDrops;      // x, y pairs as a flat list
     int32_t m_nRainNumber = 0;
     int32_t m_nGameState = GS_SPLASH;
+    struct SAniCursor* m_pCursor = nullptr;   // from "data\cursor.ani", or none
 
     // loop state
     int32_t m_nSplashCounter = 0;

@@ -2,9 +2,12 @@
 // order of shutdown.
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include "items/database.h"
+#include "media/cursor_ani.h"
 #include "media/graph.h"
 #include "media/mouse.h"
 #include "media/show.h"
@@ -16,6 +19,7 @@
 #include "shell/gbk.h"
 #include "shell/log.h"
 #include "shell/message_box.h"
+#include "shell/paths.h"
 
 CGame* g_pGame = nullptr;
 TCDataBase<SItemInfo>* g_pItemDB = nullptr;
@@ -57,8 +61,9 @@ CGame::CGame() {
     m_bMusicStarted = 0;
     m_bHandEmpty = 1;
     m_bActive = 1;
-    // 7. The effect sound.
+    // 7. The effect sound and the animated cursor.
     m_pSound = new CSound();
+    LoadCursor();
     // 8. Globals.
     g_pGame = this;
     g_pGraph = m_pGraph;
@@ -94,6 +99,8 @@ CGame::~CGame() {
     // 6. The media player.
     delete m_pShow;
     m_pShow = nullptr;
+    delete m_pCursor;
+    m_pCursor = nullptr;
     delete m_pReplay;
     m_pReplay = nullptr;
     // 7. The engine log.
@@ -110,8 +117,27 @@ int CGame::ChangeDisplayBitsPerPel(int bits) {
     return 0;
 }
 
+void CGame::LoadCursor() {
+    FILE* f = fopen(HostPath("data\\cursor.ani").c_str(), "rb");
+    if (!f) return;
+    std::vector<uint8_t> bytes;
+    uint8_t buf[4096];
+    size_t n;
+    while ((n = fread(buf, 1, sizeof(buf), f)) > 0 && bytes.size() < (1u << 22)) bytes.insert(bytes.end(), buf, buf + n);
+    fclose(f);
+    auto* cursor = new SAniCursor();
+    std::string error;
+    if (ParseAniCursor(bytes.data(), bytes.size(), *cursor, error)) {
+        m_pCursor = cursor;
+    } else {
+        delete cursor;
+        DebugOut("data\\cursor.ani: %s\n", error.c_str());
+    }
+}
+
 int CGame::CreateMainWindow(int, int windowed) {
     if (!platform::CreateMainWindow(windowed != 0, &CGame::WindowProc)) return 0;
+    platform::SetAnimatedCursor(m_pCursor);  // the standard arrow when it did not load
     m_hWnd = this;
     return 1;
 }

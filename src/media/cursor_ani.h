@@ -1,0 +1,28 @@
+// Animated cursor files (RIFF "ACON"): the "anih" header, optional "rate" and
+// "seq " tables and a "fram" list of icon or cursor images. Parsed into 32-bit
+// ARGB frames so that the window layer can make platform cursors of them.
+#pragma once
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct SCursorImage {
+    int32_t width = 0, height = 0;
+    int32_t hotX = 0, hotY = 0;
+    std::vector<uint32_t> argb;  // width * height, top row first
+};
+
+struct SAniCursor {
+    std::vector<SCursorImage> images;
+    std::vector<uint32_t> sequence;     // image index per step
+    std::vector<uint32_t> jiffies;      // duration per step, 1/60 s
+    uint32_t TotalJiffies() const;
+    // The image shown at a time in milliseconds since the animation started.
+    uint32_t ImageAt(uint32_t ms) const;
+};
+
+// Parses an animated cursor; false with a reason for anything malformed. Every
+// size and offset is checked against the data.
+bool ParseAniCursor(const uint8_t* data, size_t size, SAniCursor& out, std::string& error);
+// Parses one .cur or .ico image (its first entry).
+bool ParseCursorImage(const uint8_t* data, size_t size, SCursorImage& out, std::string& error);

@@ -107,17 +107,32 @@ void Instruments::Sustained(const NoteRequest& n, const Wavetable& table, int vo
   breathFilter.Set(std::min(n.hz * 2.0, rate_ * 0.4), 1.5, rate_);
   const double vibRate = 4.8 + rng.Uniform() * 0.8;
   const double norm = 1.0 / std::sqrt(static_cast<double>(voices));
+  // Vibrato LFO as a rotating phasor (no per-sample sine); depths are a fraction of a
+  // semitone, so 2^x is taken from its second-order expansion.
+  const double rot = 2 * kPi * vibRate / rate_;
+  const double rc = std::cos(rot), rs = std::sin(rot);
+  double lfoS = 0, lfoC = 1;
+  const size_t attackEnd = static_cast<size_t>(attack * rate_);
+  const size_t holdEnd = static_cast<size_t>(hold * rate_);
   for (size_t i = 0; i < total; ++i) {
     const double t = static_cast<double>(i) / rate_;
     double env;
-    if (t < attack) env = 0.5 - 0.5 * std::cos(kPi * t / attack);
-    else if (t < hold) env = 1.0;
+    if (i < attackEnd) env = 0.5 - 0.5 * std::cos(kPi * t / attack);
+    else if (i < holdEnd) env = 1.0;
     else env = std::max(0.0, 1.0 - (t - hold) / release);
-    env *= env > 0 ? 1.0 : 0.0;
     double vib = 1.0;
     if (vibrato > 0) {
+      double ns = lfoS * rc + lfoC * rs;
+      lfoC = lfoC * rc - lfoS * rs;
+      lfoS = ns;
+      if ((i & 1023) == 0) {  // keep the phasor on the unit circle
+        double mag = std::sqrt(lfoS * lfoS + lfoC * lfoC);
+        lfoS /= mag;
+        lfoC /= mag;
+      }
       double depth = vibrato * std::min(1.0, std::max(0.0, (t - 0.2) / 0.4));
-      vib = std::pow(2.0, depth / 12.0 * std::sin(2 * kPi * vibRate * t));
+      double x = depth / 12.0 * lfoS * 0.69314718;
+      vib = 1.0 + x + 0.5 * x * x;
     }
     double s = 0;
     for (int v = 0; v < voices; ++v) {
@@ -143,14 +158,21 @@ void Instruments::Bell(const NoteRequest& n, std::vector<float>& out) const {
   out.assign(total, 0.f);
   double pc = 0, pm = 0, p2 = 0;
   const double ic = n.hz / rate_, im = n.hz * 3.5 / rate_, i2 = n.hz * 2.76 / rate_;
+  const double kIndex = std::exp(-1.0 / (0.35 * rate_)), kBody = std::exp(-1.0 / (0.9 * rate_)),
+               kHigh = std::exp(-1.0 / (0.4 * rate_));
+  double index = 1.6, body = 1.0, high = 0.25;
   for (size_t i = 0; i < total; ++i) {
     const double t = static_cast<double>(i) / rate_;
-    const double index = 1.6 * std::exp(-t / 0.35);
     pc += ic;
     pm += im;
     p2 += i2;
-    double v = std::sin(2 * kPi * pc + index * std::sin(2 * kPi * pm)) * std::exp(-t / 0.9);
-    v += 0.25 * std::sin(2 * kPi * p2) * std::exp(-t / 0.4);
+    if (pc >= 1) pc -= 1;
+    if (pm >= 1) pm -= 1;
+    if (p2 >= 1) p2 -= 1;
+    double v = std::sin(2 * kPi * pc + index * std::sin(2 * kPi * pm)) * body + std::sin(2 * kPi * p2) * high;
+    index *= kIndex;
+    body *= kBody;
+    high *= kHigh;
     double a = std::min(1.0, t / 0.003);
     if (i + 512 > total) a *= (total - i) / 512.0;
     out[i] = static_cast<float>(v * a * 0.7);

@@ -56,7 +56,8 @@ bool RenderMusic(const MusicRecipe& m, StereoBuffer& out, std::string& error) {
     }
   }
 
-  // Reverb: two passes round the loop so the second pass starts with the tail of the end.
+  // Reverb: warmed up on the last seconds of the loop, so the pass that is kept starts
+  // with the tail of the end and the seam is as smooth as any other instant.
   Reverb rl, rr;
   rl.Init(rate, m.room, m.damp, 0);
   rr.Init(rate, m.room, m.damp, 23);
@@ -65,15 +66,15 @@ bool RenderMusic(const MusicRecipe& m, StereoBuffer& out, std::string& error) {
   hr.Set(90, rate);
   out.left.assign(len, 0.f);
   out.right.assign(len, 0.f);
-  for (int pass = 0; pass < 2; ++pass) {
-    for (size_t i = 0; i < len; ++i) {
-      double wl = rl.Run(sendL[i]), wr = rr.Run(sendR[i]);
-      wl -= hl.Run(wl);
-      wr -= hr.Run(wr);
-      if (pass == 1) {
-        out.left[i] = static_cast<float>(dryL[i] + m.reverb * wl);
-        out.right[i] = static_cast<float>(dryR[i] + m.reverb * wr);
-      }
+  const size_t warm = std::min(len, static_cast<size_t>(12 * rate));
+  for (size_t k = 0; k < warm + len; ++k) {
+    size_t i = k < warm ? len - warm + k : k - warm;
+    double wl = rl.Run(sendL[i]), wr = rr.Run(sendR[i]);
+    wl -= hl.Run(wl);
+    wr -= hr.Run(wr);
+    if (k >= warm) {
+      out.left[i] = static_cast<float>(dryL[i] + m.reverb * wl);
+      out.right[i] = static_cast<float>(dryR[i] + m.reverb * wr);
     }
   }
 

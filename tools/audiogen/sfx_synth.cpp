@@ -198,7 +198,8 @@ bool ReadSfxRecipe(const Recipe& recipe, SfxRecipe& out, std::string& error) {
       l.decay = r.Number("decay", 0.2);
       l.curve = r.Number("curve", 2);
       l.punch = r.Number("punch", 0);
-      l.freq = r.Number("freq", 440);
+      // Noise is white unless a rate for its held steps is given.
+      l.freq = r.Number("freq", l.wave == Wave::kNoise ? 0 : 440);
       l.freqEnd = r.Number("freq_end", 0);
       l.slideTime = r.Number("slide_time", 0);
       l.vibDepth = r.Number("vib_depth", 0);

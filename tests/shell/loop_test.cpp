@@ -48,6 +48,12 @@ int FramesIn(CGame& g, int mode, int limit = 1000) {
 TEST_F(GameFolder, FortyMillisecondsRunNoFrameFortyOneRunOne) {
     CGame game;
     int code = 0;
+    // A headless main window routes messages to the game's window procedure; its
+    // first message is the activation.
+    ASSERT_TRUE(platform::CreateMainWindow(true, &CGame::WindowProc));
+    platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(&game), 0);
+    ASSERT_TRUE(game.RunOnce(code));
+    EXPECT_EQ(game.FrameCount(), 0);
     game.m_nLastFrameTick = 100000;
     clock_control::SetTicks(100040);
     ASSERT_TRUE(game.RunOnce(code));
@@ -64,7 +70,6 @@ TEST_F(GameFolder, FortyMillisecondsRunNoFrameFortyOneRunOne) {
     // Messages go before frames: a waiting message is handled and no frame runs.
     clock_control::SetTicks(100400);
     platform::PostMessage(WM_ACTIVATEAPP, 0, 0);
-    platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(&game), 0);
     ASSERT_TRUE(game.RunOnce(code));
     EXPECT_EQ(game.FrameCount(), 2);
     EXPECT_EQ(game.m_bActive, 0);

@@ -9,6 +9,7 @@
 #include "shell/gbk.h"
 #include "shell/log.h"
 #include "shell/message_box.h"
+#include "shell/paths.h"
 
 namespace {
 
@@ -85,7 +86,7 @@ void CVRN_File::Close() {
 bool CVRN_File::Open(const char* archivePath) {
     if (!archivePath) return false;
     SSource src;
-    if (!src.OpenFile(archivePath)) {
+    if (!src.OpenFile(HostPath(archivePath).c_str())) {
         ShowCannotOpen(archivePath);
         return false;
     }
@@ -200,7 +201,7 @@ bool CVRN_File::Read(void* buffer, int32_t size) {
     SSource src;
     if (m_pMemory) {
         src.OpenMemory(m_pMemory, m_nMemorySize);
-    } else if (!src.OpenFile(m_strPath.c_str())) {
+    } else if (!src.OpenFile(HostPath(m_strPath).c_str())) {
         ShowCannotOpen(m_strPath.c_str());
         return false;
     }

@@ -43,7 +43,8 @@ public:
     CVRN_File(const CVRN_File&) = delete;
     CVRN_File& operator=(const CVRN_File&) = delete;
 
-    // Reads the header and the whole directory. Message box and false when the
+    // Reads the header and the whole directory (a game name such as "data\ini.vrn"
+    // is turned into a host path). Message box and false when the
     // file cannot be opened or is not a valid archive (the old tree then stays).
     bool Open(const char* archivePath);
     // Same, over an archive image in memory (not copied: it must outlive the

@@ -1,0 +1,111 @@
+// CGraph's bitmap packs and picture caches: raw BMP files read from the
+// numbered pack archives, cached under "%d%s" keys and decoded onto surfaces.
+#include <cstdio>
+#include <string>
+
+#include "media/graph.h"
+#include "resources/bmp.h"
+#include "resources/vrn_file.h"
+#include "shell/debug.h"
+#include "shell/log.h"
+
+namespace {
+
+constexpr int kPackCount = 6;
+
+std::string CacheKey(int pack, const char* name) {
+    char num[16];
+    std::snprintf(num, sizeof num, "%d", pack);
+    return std::string(num) + name;
+}
+
+bool ValidCache(int cache) { return cache == 0 || cache == 1; }
+
+}  // namespace
+
+void CGraph::SetPackPath(int pack, const char* path) {
+    if (pack < 0 || pack >= kPackCount) return;
+    std::snprintf(m_szPackPath[pack], sizeof m_szPackPath[pack], "%s", path ? path : "");
+    // A changed path must be opened anew even for the same pack number.
+    if (pack == m_nOpenPack) m_nOpenPack = -1;
+}
+
+bool CGraph::LoadBitmapData(int pack, const char* name, int cache) {
+    if (!name || !ValidCache(cache) || pack < 0 || pack >= kPackCount) return false;
+    const std::string key = CacheKey(pack, name);
+    if (m_cache[cache].count(key)) return false;
+
+    if (!m_pPackReader) m_pPackReader = std::make_unique<CVRN_File>();
+    if (pack != m_nOpenPack) {
+        ++m_nPackOpens;
+        if (m_pPackReader->Open(m_szPackPath[pack])) {
+            m_nOpenPack = pack;
+        } else {
+            m_pPackReader->Close();  // a missing pack finds nothing
+            m_nOpenPack = -1;
+        }
+    }
+    if (!m_pPackReader->FindEntry(name) || m_pPackReader->Current()->IsDir()) {
+        char line[512];
+        std::snprintf(line, sizeof line, "can not find (bmp:)%s in (epk:)%s", name, m_szPackPath[pack]);
+        DebugOut("%s\n", line);
+        if (m_pLog)
+            m_pLog->Write("%s", line);
+        else
+            CLog("GameEngine.log", false).Write("%s", line);
+        return false;
+    }
+    const int32_t size = m_pPackReader->GetSize();
+    std::vector<uint8_t> bytes(size_t(size > 0 ? size : 0), 0);
+    if (size > 0 && !m_pPackReader->Read(bytes.data(), size)) return false;  // the reader logged it
+    m_cache[cache].emplace(key, std::move(bytes));
+    return true;
+}
+
+bool CGraph::DrawBitmapData(int pack, const char* name, int surf, int32_t x, int32_t y, int cache) {
+    if (!name || !ValidCache(cache)) return false;
+    auto it = m_cache[cache].find(CacheKey(pack, name));
+    if (it == m_cache[cache].end()) return false;
+    CSurface* s = GetSurface(surf);
+    if (!s || !s->Valid()) return false;
+    const std::vector<uint8_t>& bmp = it->second;
+    if (!BmpDecodeTo565(bmp.data(), bmp.size(), s->pixels.data(), s->width, s->height, s->width, x, y)) {
+        char line[512];
+        std::snprintf(line, sizeof line, "bad bitmap (bmp:)%s in (epk:)%s", name, GetPackPath(pack));
+        DebugOut("%s\n", line);
+        if (m_pLog) m_pLog->Write("%s", line);
+        return false;
+    }
+    return true;
+}
+
+bool CGraph::LoadBitmapToSurface(int pack, const char* name, int surf, int32_t x, int32_t y, int cache) {
+    LoadBitmapData(pack, name, cache);
+    return DrawBitmapData(pack, name, surf, x, y, cache);
+}
+
+bool CGraph::GetBitmapSize(int pack, const char* name, int32_t* width, int32_t* height) {
+    if (!name) return false;
+    LoadBitmapData(pack, name, 0);
+    auto it = m_cache[0].find(CacheKey(pack, name));
+    if (it == m_cache[0].end()) return false;
+    int32_t w = 0, h = 0;
+    if (!BmpGetSize(it->second.data(), it->second.size(), &w, &h)) return false;
+    if (width) *width = w;
+    if (height) *height = h;
+    return true;
+}
+
+bool CGraph::DrawBitmap(int pack, const char* name, int surf, int32_t x, int32_t y) {
+    const bool drawn = LoadBitmapToSurface(pack, name, SURF_ROLE, 0, 0, 0);
+    int32_t w = 0, h = 0;
+    const bool sized = GetBitmapSize(pack, name, &w, &h);
+    if (!drawn || !sized) return false;
+    SRect r;
+    r.left = 0, r.top = 0, r.right = w, r.bottom = h;
+    return BltFast(surf, x, y, SURF_ROLE, r, BLT_WAIT_SRCKEY);
+}
+
+void CGraph::FreeBitmapCache(int cache) {
+    if (ValidCache(cache)) m_cache[cache].clear();
+}

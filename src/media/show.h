@@ -4,6 +4,11 @@
 #pragma once
 #include <cstdint>
 
+// Called by the message pump on the game thread: posts UM_GRAPHNOTIFY when a
+// piece has ended since the last call (the mixer reports the end on its own
+// thread, which only raises a flag).
+void PollMediaEvents();
+
 class KGDShow {
 public:
     virtual ~KGDShow() = default;
@@ -35,6 +40,8 @@ public:
     void ReleaseAll() override;
 
     int GetState() const { return m_nState; }  // 0 none, 1 running, 2 stopped, 3 paused
+    bool IsLoaded() const { return m_bLoaded != 0; }
+    bool GetLoop() const { return m_bLoop != 0; }
 
 private:
     struct Impl;

@@ -221,7 +221,8 @@ bool LoadTileset(const std::string& baseDir, STileset& ts, SContext& ctx) {
         return true;
     }
     int32_t type = 0;
-    if (const std::string* t = root->Property("type")) ParseInt(*t, type);
+    if (const std::string* t = root->Property("tiletype")) ParseInt(*t, type);
+    else if (const std::string* t2 = root->Property("type")) ParseInt(*t2, type);
     if (type == 0 && std::sscanf(base.c_str(), "tiles_%d.tsx", &type) != 1) type = 0;
     if (type < 1 || type > 255) {
         ctx.Error("tileset " + ts.source + ": no tile type (name it tiles_<type>.tsx or give it a property type)");
@@ -333,9 +334,9 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
     if (music) CopyText(h.music, sizeof h.music, *music, "music name", ctx);
     const std::string* sx = root->Property("start_x");
     const std::string* sy = root->Property("start_y");
-    if (!sx || !sy || !ParseInt(*sx, h.startX) || !ParseInt(*sy, h.startY) || h.startX < 0 || h.startY < 0 ||
-        h.startX >= n || h.startY >= n)
-        ctx.Error("map properties start_x and start_y must name a cell of the map");
+    const bool startValid = sx && sy && ParseInt(*sx, h.startX) && ParseInt(*sy, h.startY) && h.startX >= 0 &&
+                            h.startY >= 0 && h.startX < n && h.startY < n;
+    if (!startValid) ctx.Error("map properties start_x and start_y must name a cell of the map");
     std::set<int> blockingTypes;
     if (const std::string* bt = root->Property("blocking_types")) {
         std::vector<int32_t> v;
@@ -446,9 +447,9 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
                     continue;
                 }
                 const SManifestObject& mo = mit->second;
-                // Tiled draws a tile object with its bottom centre at the projected point;
-                // our world lies 32 pixels left of the editor's picture of it.
-                const double px = (ox - oy) + n * CELL_W / 2.0 - CELL_W / 2.0;
+                // Tiled draws a tile object with its bottom centre at the projected point
+                // (the editor puts the grid's top corner at x = N * 32, the world at 1568).
+                const double px = (ox - oy) + MAP_ORIGIN_X;
                 const double py = (ox + oy) / 2.0;
                 const double left = px - mo.w / 2.0, top = py - mo.h;
                 const double bx = left + mo.ax + CELL_W / 2.0, by = top + mo.ay + CELL_H / 2.0;
@@ -553,7 +554,7 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
         if (i >= 0 && j >= 0 && i < n && j < n) out.cells[size_t(i) * size_t(n) + size_t(j)].cross = 1;
     h.objectCount = int32_t(out.objects.size());
     h.npcCount = int32_t(out.npcs.size());
-    if (errors.size() == errorsBefore && out.cells[size_t(h.startX) * size_t(n) + size_t(h.startY)].cross == 0)
+    if (startValid && out.cells[size_t(h.startX) * size_t(n) + size_t(h.startY)].cross == 0)
         ctx.Error("the start " + CellName(h.startX, h.startY) + " is blocked");
     return errors.size() == errorsBefore;
 }

@@ -1,69 +1,11 @@
 #include "text.h"
 
-#include <SDL.h>
-#include <SDL_ttf.h>
-
 #include <cstdio>
-#include <map>
 
 namespace art {
 
-static const char* kFontPath = "/usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf";
-static std::map<int, TTF_Font*> g_fonts;
-static bool g_ready = false;
-
-bool TextInit() {
-    if (g_ready) return true;
-    if (TTF_Init() != 0) return false;
-    g_ready = true;
-    return true;
-}
-
-void TextQuit() {
-    for (auto& f : g_fonts) TTF_CloseFont(f.second);
-    g_fonts.clear();
-    if (g_ready) TTF_Quit();
-    g_ready = false;
-}
-
-static TTF_Font* Font(int size) {
-    auto it = g_fonts.find(size);
-    if (it != g_fonts.end()) return it->second;
-    TTF_Font* f = g_ready ? TTF_OpenFont(kFontPath, size) : nullptr;
-    if (!f) std::fprintf(stderr, "artgen: cannot open font %s\n", kFontPath);
-    g_fonts[size] = f;
-    return f;
-}
-
-Mask RenderText(const std::string& utf8, int size) {
-    Mask m;
-    TTF_Font* f = Font(size);
-    if (!f || utf8.empty()) return m;
-    SDL_Color white{255, 255, 255, 255};
-    SDL_Surface* s = TTF_RenderUTF8_Blended(f, utf8.c_str(), white);
-    if (!s) return m;
-    SDL_Surface* c = SDL_ConvertSurfaceFormat(s, SDL_PIXELFORMAT_ARGB8888, 0);
-    SDL_FreeSurface(s);
-    if (!c) return m;
-    m.w = c->w; m.h = c->h;
-    m.a.resize(size_t(m.w) * m.h);
-    SDL_LockSurface(c);
-    for (int y = 0; y < m.h; ++y) {
-        const uint32_t* row = reinterpret_cast<const uint32_t*>(
-            static_cast<const uint8_t*>(c->pixels) + size_t(y) * c->pitch);
-        for (int x = 0; x < m.w; ++x) m.a[size_t(y) * m.w + x] = (row[x] >> 24) / 255.f;
-    }
-    SDL_UnlockSurface(c);
-    SDL_FreeSurface(c);
-    return m;
-}
-
-int TextWidth(const std::string& utf8, int size) {
-    TTF_Font* f = Font(size);
-    int w = 0, h = 0;
-    if (f) TTF_SizeUTF8(f, utf8.c_str(), &w, &h);
-    return w;
-}
+bool TextInit() { return true; }
+void TextQuit() {}
 
 void DrawText(Img& im, const std::string& utf8, float cx, float cy, const TextStyle& st,
               bool centre) {
@@ -107,6 +49,44 @@ void DrawText(Img& im, const std::string& utf8, float cx, float cy, const TextSt
             if (st.engraved) lit = -lit;
             c = Shade(c, 1.f - lit * st.bevel);
             im.Blend(px, py, c, a);
+        }
+}
+
+void GlowText(Img& im, const std::string& utf8, float cx, float cy, int size, Col c,
+              int radius, float strength) {
+    Mask m = RenderText(utf8, size);
+    if (m.w == 0) return;
+    int pad = radius * 2;
+    int w = m.w + 2 * pad, h = m.h + 2 * pad;
+    std::vector<float> a(size_t(w) * h, 0.f), t(a.size());
+    for (int y = 0; y < m.h; ++y)
+        for (int x = 0; x < m.w; ++x) a[size_t(y + pad) * w + x + pad] = m.At(x, y);
+    // Three box blurs approximate a gaussian.
+    for (int pass = 0; pass < 3; ++pass) {
+        for (int y = 0; y < h; ++y) {
+            float acc = 0;
+            for (int x = -radius; x < w + radius; ++x) {
+                if (x + radius < w) acc += a[size_t(y) * w + x + radius];
+                if (x - radius - 1 >= 0) acc -= a[size_t(y) * w + x - radius - 1];
+                if (x >= 0 && x < w) t[size_t(y) * w + x] = acc / (2 * radius + 1);
+            }
+        }
+        for (int x = 0; x < w; ++x) {
+            float acc = 0;
+            for (int y = -radius; y < h + radius; ++y) {
+                if (y + radius < h) acc += t[size_t(y + radius) * w + x];
+                if (y - radius - 1 >= 0) acc -= t[size_t(y - radius - 1) * w + x];
+                if (y >= 0 && y < h) a[size_t(y) * w + x] = acc / (2 * radius + 1);
+            }
+        }
+    }
+    int ox = int(std::lround(cx - m.w / 2.f)) - pad, oy = int(std::lround(cy - m.h / 2.f)) - pad;
+    for (int y = 0; y < h; ++y)
+        for (int x = 0; x < w; ++x) {
+            float k = a[size_t(y) * w + x] * strength;
+            if (k <= 0 || !im.In(ox + x, oy + y) || im.A(ox + x, oy + y) <= 0) continue;
+            Col b = im.Get(ox + x, oy + y);
+            im.Set(ox + x, oy + y, b + c * k, im.A(ox + x, oy + y));
         }
 }
 

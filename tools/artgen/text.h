@@ -1,5 +1,5 @@
-// Captions and titles: glyph coverage from the Droid font through SDL_ttf, then our
-// own outline, drop shadow, vertical gradient and a bevel lit from the upper left.
+// Captions and titles: glyph coverage from our own stroke lettering (font.cpp), then
+// an outline, drop shadow, vertical gradient and a bevel lit from the upper left.
 #pragma once
 #include <string>
 #include <vector>
@@ -33,5 +33,8 @@ Mask RenderText(const std::string& utf8, int size);
 void DrawText(Img& im, const std::string& utf8, float cx, float cy, const TextStyle& st,
               bool centre = true);
 int TextWidth(const std::string& utf8, int size);
+// A soft halo of colour c around the caption (added light), for titles over scenes.
+void GlowText(Img& im, const std::string& utf8, float cx, float cy, int size, Col c,
+              int radius, float strength);
 
 }  // namespace art

@@ -39,7 +39,7 @@ void ContactSheets(const Output& out, const std::string& dir) {
         };
         for (const Picture& p : out.pictures) {
             if (p.group != g) continue;
-            int s = (p.w <= 96 && p.h <= 96 && std::string(g) != "objects") ? 2 : 1;
+            int s = (p.w <= 96 && p.h <= 96 && std::string(g) != "objects") ? (p.w <= 64 ? 3 : 2) : 1;
             int w = p.w * s, h = p.h * s;
             if (x + w + gap > maxW) { x = gap; y += rowH + gap; rowH = 0; }
             if (y + h + gap > maxH) { flush(); x = gap; y = gap; rowH = 0; }

@@ -174,7 +174,9 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
         int best = cur, bestScore = INT_MAX;
         for (int c = cur - 4; c <= cur + 4; ++c) {
           if (c < lo || c > hi || !IsChordTone(m, tones, c)) continue;
-          int score = std::abs(c - cur) * 4 + static_cast<int>(std::fabs(c - target) * 2) + rng.Below(5);
+          // Prefer near chord tones towards the contour, but not the same note again.
+          int score = std::abs(c - cur) * 3 + static_cast<int>(std::fabs(c - target) * 2) + rng.Below(5);
+          if (c == cur && !last) score += 7;
           if (last && Mod(ScaleSemitone(m.scale, c), 12) == Mod(tones[0], 12)) score -= 3;
           if (score < bestScore) {
             bestScore = score;

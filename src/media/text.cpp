@@ -29,7 +29,7 @@ uint64_t HashText(const char* s, size_t n, int height) {
 void CTextCache::SetFontPath(const char* path) { g_fontPath = path ? path : ""; }
 const char* CTextCache::GetFontPath() { return g_fontPath.c_str(); }
 
-CTextCache::CTextCache(CLog* log) : m_pLog(log) {}
+CTextCache::CTextCache(CLog* log) : m_pLog(log) { m_fonts.reserve(8); }
 
 CTextCache::~CTextCache() {
     for (SFont& f : m_fonts)

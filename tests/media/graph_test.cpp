@@ -2,6 +2,7 @@
 
 #include "media/graph.h"
 #include "media/text.h"
+#include "media/window.h"
 #include "media_test_util.h"
 
 namespace {
@@ -69,6 +70,24 @@ TEST_F(GraphTest, InitMakesEightSurfacesAndLogsStartUp) {
     EXPECT_FALSE(graph.GetSurface(1)->Valid());
     SRect r{0, 0, 4, 4};
     EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, r, BLT_WAIT));
+}
+
+TEST_F(GraphTest, PresentHandsOverTheBackBufferOnlyWhenInitialised) {
+    const uint16_t* seen = nullptr;
+    int calls = 0;
+    platform::SetFrameObserver([&](const uint16_t* p) {
+        seen = p;
+        ++calls;
+    });
+    graph.GetSurface(SURF_BUFFER)->At(5, 5) = 0xABCD;
+    graph.Present();
+    ASSERT_EQ(calls, 1);
+    EXPECT_EQ(seen, graph.GetSurface(SURF_BUFFER)->pixels.data());
+    EXPECT_EQ(seen[5 * 640 + 5], 0xABCD);
+    graph.Release();
+    graph.Present();
+    EXPECT_EQ(calls, 1);
+    platform::SetFrameObserver(nullptr);
 }
 
 TEST_F(GraphTest, BltFastRefusesOutOfBoundsAndHonoursTheKey) {

@@ -37,9 +37,12 @@ bool Instruments::Known(const std::string& name) const {
 // (with an allpass for the fractional part) sets the pitch; the loop loss sets the ring.
 void Instruments::Pluck(const NoteRequest& n, double brightness, double t60, double ring, Rng& rng,
                         std::vector<float>& out) const {
+  // The loop filter below weighs the previous sample by (0.5 - 0.15 * brightness): that
+  // much of a sample of delay is in the filter, the rest in the line and the allpass.
+  const double filterDelay = 0.5 - 0.15 * brightness;
   const double delay = rate_ / std::max(n.hz, 20.0);
-  int len = static_cast<int>(std::floor(delay - 0.5));
-  double frac = delay - 0.5 - len;
+  int len = static_cast<int>(std::floor(delay - filterDelay));
+  double frac = delay - filterDelay - len;
   if (frac < 0.1) {
     len -= 1;
     frac += 1;

@@ -60,7 +60,7 @@ bool ParseLayout(const uint8_t* d, size_t size, SLayout* L) {
         I.bitCount = Le16(d + 24);
         I.compression = BI_RGB;
         L->paletteEntry = 3;
-    } else if (hs >= 40 && hs <= 124) {
+    } else if (hs == 40 || hs == 52 || hs == 56 || hs == 64 || hs == 108 || hs == 124) {
         if (size < 14 + size_t(hs)) return false;
         I.width = int32_t(Le32(d + 18));
         height = int32_t(Le32(d + 22));

@@ -242,7 +242,7 @@ int Renderer::Render(const std::vector<Prim>& prims, const std::vector<Material>
                     double diff = std::max(0.0, Dot(n, L));
                     double lum = cam.ambient + (1.0 - cam.ambient) * 1.15 * diff;
                     if (cam.bands > 0) lum = std::round(lum * cam.bands) / cam.bands;
-                    double spec = m.shine > 0 ? m.shine * std::pow(std::max(0.0, Dot(n, Hv)), 20.0) : 0.0;
+                    double spec = m.shine > 0 ? m.shine * std::pow(std::max(0.0, Dot(n, Hv)), 36.0) : 0.0;
                     if (cam.bands > 0 && spec > 0) spec = std::round(spec * 3) / 3;
                     double shadow = std::max(0.0, 1.0 - lum);
                     double c[3] = {m.r, m.g, m.b};

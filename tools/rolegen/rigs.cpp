@@ -152,7 +152,6 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
     const double u = n > 1 ? static_cast<double>(k) / (n - 1) : 0.0;  // one-shot progress
     const double ph = 2 * kPi * t;
     const bool longSkirt = g.robe;
-    const bool twoHanded = d.rig == "knight";
     HPose p;
     if (g.spear || g.staff) {
         p.sh[0] = 0.35;
@@ -176,11 +175,6 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
         p.hip[1] = 0.06;
         p.hip[0] = -0.04;
         p.wrist = 1.15;
-        if (twoHanded) {
-            p.sh[0] = 0.35;
-            p.elbow[0] = 1.0;
-            p.wrist = 2.5;
-        }
     } else if (action == "walk" || action == "run") {
         const bool run = action == "run";
         double A = run ? 0.72 : (longSkirt ? 0.28 : 0.42);
@@ -210,11 +204,6 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
         if (g.shield) {
             p.sh[1] = 0.45;
             p.elbow[1] = 1.3;
-        }
-        if (twoHanded) {
-            p.sh[0] = 0.4 + 0.1 * std::sin(ph);
-            p.elbow[0] = 1.0;
-            p.wrist = 2.5;
         }
         p.twist = (run ? 0.12 : 0.08) * std::sin(ph);
         p.lean = run ? 0.24 : 0.06;
@@ -352,7 +341,7 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
 
 struct Mats {
     int skin, hair, shirt, sleeve, trousers, boots, cloak, hood, hat, metal, wood, belt, apron, satchel, pack,
-        tabard, shield, scarf, dark, eyes, bone, plate, trim, ember, roll;
+        tabard, shield, scarf, dark, eyes, bone, plate, trim, ember, roll, white, lips;
 };
 
 Mats MakeMats(const Desc& d, Palette& pal) {
@@ -379,10 +368,12 @@ Mats MakeMats(const Desc& d, Palette& pal) {
     m.dark = pal.Get(d, "dark", {34, 26, 30});
     m.eyes = pal.Get(d, "eyes", {40, 30, 30}, 0, d.HasGear("eyes_glow") ? 1.0 : 0.0);
     m.bone = pal.Get(d, "bone", {216, 208, 186});
-    m.plate = pal.Get(d, "plate", {70, 68, 74}, 0.35);
+    m.plate = pal.Get(d, "plate", {70, 68, 74}, 0.22);
     m.trim = pal.Get(d, "trim", {120, 110, 96}, 0.2);
     m.ember = pal.Get(d, "ember", {255, 140, 40}, 0, 1.0);
     m.roll = pal.Get(d, "roll", {110, 120, 90});
+    m.white = pal.Get(d, "white", {236, 230, 220});
+    m.lips = pal.Get(d, "lips", {140, 70, 62});
     return m;
 }
 
@@ -492,7 +483,7 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
         out.push_back(Ell(head.P({0, 5.6, 0.4}), head.r, {6.3, 7.2, 6.6}, m.plate));
         out.push_back(Box(head.P({0, 5.4, 6.2}), head.r, {4.2, 0.75, 1.0}, m.dark));
         out.push_back(Ell(head.P({0, 12.2, 0.4}), head.r, {1.2, 1.4, 5.4}, m.trim));  // crest
-        for (int s = -1; s <= 1; s += 2) out.push_back(Ell(head.P({s * 2.1, 5.4, 6.6}), head.r, {1.1, 0.55, 0.5}, m.eyes));
+        for (int s = -1; s <= 1; s += 2) out.push_back(Ell(head.P({s * 2.0, 5.4, 7.1}), head.r, {0.95, 0.5, 0.4}, m.eyes));
         if (g.horns)
             for (int s = -1; s <= 1; s += 2) {
                 out.push_back(Cone(head.P({s * 5.0, 8.5, 0.6}), head.P({s * 8.4, 12.0, 1.2}), 1.9, 1.2, m.trim));
@@ -501,10 +492,18 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
     } else {
         out.push_back(Ell(head.P({0, 5.0, 0.4}), head.r, {5.5, 6.1, 5.7}, m.skin));
         out.push_back(Ell(head.P({0, 4.0, 6.0}), head.r, {0.9, 1.2, 0.9}, m.skin));  // nose
+        const bool detail = d.HasGear("detail");  // close-up portraits
         for (int s = -1; s <= 1; s += 2) {
-            out.push_back(Ell(head.P({s * 2.2, 5.4, 5.3}), head.r, {0.85, 1.05, 0.6}, m.eyes));
+            if (detail) {
+                out.push_back(Ell(head.P({s * 2.2, 5.5, 5.0}), head.r, {1.25, 0.85, 0.7}, m.white));
+                out.push_back(Ell(head.P({s * 2.1, 5.5, 5.45}), head.r, {0.6, 0.72, 0.5}, m.eyes));
+                out.push_back(Box(head.P({s * 2.3, 7.0, 5.0}), head.r * RotZ(s * -0.12), {1.5, 0.32, 0.6}, m.hair));
+            } else {
+                out.push_back(Ell(head.P({s * 2.2, 5.4, 5.3}), head.r, {0.85, 1.05, 0.6}, m.eyes));
+            }
             out.push_back(Ell(head.P({s * 5.5, 4.8, 0.6}), head.r, {0.9, 1.6, 1.2}, m.skin));  // ears
         }
+        if (detail) out.push_back(Ell(head.P({0, 2.2, 5.0}), head.r, {1.6, 0.42, 0.6}, m.lips));
         if (g.hairShort) out.push_back(Ell(head.P({0, 6.9, -0.9}), head.r, {5.95, 5.4, 6.0}, m.hair));
         if (g.hairLong) {
             out.push_back(Ell(head.P({0, 6.9, -0.9}), head.r, {6.0, 5.5, 6.1}, m.hair));
@@ -584,7 +583,7 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
             out.push_back(Cap(w.P({0, -2.5, 0}), w.P({0, 11, 0}), 0.8, m.wood));
             out.push_back(Box(w.P({0, 11, 0.5}), w.r, {1.6, 1.8, 3.2}, m.metal));
         } else {
-            double len = g.knife ? 6 : (knight ? 14 : 8.5), wid = knight ? 1.7 : 1.15;
+            double len = g.knife ? 6 : (knight ? 11.5 : 8.5), wid = knight ? 1.7 : 1.15;
             out.push_back(Cap(w.P({0, -2.2, 0}), w.P({0, 1.6, 0}), knight ? 1.1 : 0.8, knight ? m.dark : m.belt));
             out.push_back(Box(w.P({0, 2.1, 0}), w.r, {0.7, 0.6, knight ? 4.2 : 3.0}, m.metal));
             out.push_back(Box(w.P({0, 2.6 + len, 0}), w.r, {0.45, len, wid}, m.metal));
@@ -736,13 +735,14 @@ void BuildWolf(const Desc& d, const std::string& action, int k, int n, Palette& 
     QPose p = WolfPose(action, k, n);
     const double legLen = 15.0;
     // Lying on the side: roll about the body axis, body resting on its flank.
+    // Rolls about the body's own axis, then sinks until the flank rests on the ground.
     Xf root;
-    double rollLift = 5.2 * std::sin(std::min(p.roll, kPi / 2));
+    const double sr = std::sin(std::min(p.roll, kPi / 2));
+    const V3 axis{0, 17.5, 0};
     root.r = RotZ(p.roll);
-    root.o = {0, rollLift, p.slide};
-    double by = legLen + 1.0 + p.lift - p.crouch * (1 - std::sin(std::min(p.roll, kPi / 2)));
-    if (p.roll > 0.01) by = by * std::cos(std::min(p.roll, kPi / 2)) + rollLift * 0;
-    Xf body = root.Child({0, std::max(by, 0.0), -2}, RotX(p.pitch));
+    root.o = axis - root.r * axis + V3{0, -11.0 * sr, p.slide};
+    double by = legLen + 1.0 + p.lift - p.crouch;
+    Xf body = root.Child({0, by, -2}, RotX(p.pitch));
     // Body, chest, belly, dark saddle.
     out.push_back(Ell(body.P({0, 2.5, -1}), body.r, {5.6, 5.8 + 0.2 * p.breath, 12.5}, fur));
     out.push_back(Ell(body.P({0, 2.8, 8}), body.r, {6.3, 7.2 + 0.3 * p.breath, 7.0}, fur));
@@ -764,9 +764,9 @@ void BuildWolf(const Desc& d, const std::string& action, int k, int n, Palette& 
         out.push_back(Ell(head.P({s * 2.0, 1.4, 3.4}), head.r, {0.8, 0.7, 0.6}, eyes));
     }
     // Tail.
-    Xf tl = body.Child({0, 4.5, -13}, RotY(p.tailSide) * RotX(-2.2 + p.tail));
+    Xf tl = body.Child({0, 4.5, -13}, RotY(p.tailSide) * RotX(2.55 - p.tail));
     out.push_back(Cap(tl.o, tl.P({0, 0, 7}), 2.2, fur));
-    Xf tl2 = tl.Child({0, 0, 7}, RotX(0.35));
+    Xf tl2 = tl.Child({0, 0, 7}, RotX(-0.25));
     out.push_back(Cap(tl2.o, tl2.P({0, 0, 6}), 2.0, fur));
     out.push_back(Ell(tl2.P({0, 0, 6.4}), tl2.r, {1.9, 1.9, 2.4}, dark));
     // Legs: 0 LF, 1 RF, 2 LH, 3 RH.

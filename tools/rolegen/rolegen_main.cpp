@@ -109,7 +109,10 @@ bool RenderFace(const FaceLine& f, rolefile::Desc d, const fs::path& stage, std:
             return err = "unknown option '" + o + "'", false;
         }
     }
-    // Portraits show the bust without the weapon arm's gear in the way.
+    // Portraits: a close bust with finer features and no weapon in front of the face.
+    d.gear.push_back("detail");
+    for (const char* w : {"spear", "staff", "sword", "knife", "hammer", "shield"})
+        d.gear.erase(std::remove(d.gear.begin(), d.gear.end(), std::string(w)), d.gear.end());
     const int W = 80, H = 80;
     Renderer r;
     Palette pal;
@@ -120,7 +123,7 @@ bool RenderFace(const FaceLine& f, rolefile::Desc d, const fs::path& stage, std:
     cam.scale = 3.3;
     cam.bands = 7;
     cam.ambient = 0.46;
-    double headY = 52.0 * d.scale + (d.rig == "knight" ? 3.0 : 0.0);
+    double headY = d.rig == "knight" ? 54.0 : 52.0;
     V3 hc = cam.view * V3{0, headY, 0} * cam.scale;
     cam.originX = 38 - hc.x;
     cam.originY = 36 + hc.y;

@@ -306,6 +306,10 @@ Img FullTile(int type, int k) {
             break;
         }
     }
+    // Details must not spill over the diamond onto the neighbours' places.
+    for (int yy = 0; yy < 32; ++yy)
+        for (int xx = 0; xx < 64; ++xx)
+            if (!InDiamond(xx, yy)) im.Set(xx, yy, {}, 0.f);
     return im;
 }
 

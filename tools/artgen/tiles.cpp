@@ -320,10 +320,10 @@ Img TransitionTile(int other, int mask, int variant) {
     auto field = [&](float x, float y) {
         float a = (x - 32) / 64.f + y / 32.f, b = -(x - 32) / 64.f + y / 32.f;
         float v = cN * (1 - a) * (1 - b) + cE * a * (1 - b) + cW * (1 - a) * b + cS * a * b;
-        float n = IsoNoise(x, y, 700 + other, 3, 3) - 0.5f;
-        float extra = (VNoise(x / 7.f, y / 4.f, 800 + other * 10 + variant) - 0.5f) *
+        float n = IsoNoise(x, y, 700 + other, 2, 3) - 0.5f;
+        float extra = (VNoise(x / 9.f, y / 5.f, 800 + other * 10 + variant) - 0.5f) *
                       Smooth(0.f, 0.3f, Inner(x, y));
-        return v + n * 0.55f + extra * 0.4f;
+        return v + n * 0.42f + extra * 0.22f;
     };
     for (int y = 0; y < 32; ++y)
         for (int x = 0; x < 64; ++x) {
@@ -370,7 +370,7 @@ std::string Tsx(const TypeDef& t) {
     std::snprintf(buf, sizeof buf,
                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                   "<tileset version=\"1.10\" tiledversion=\"1.10.0\" name=\"%s\" tilewidth=\"64\" "
-                  "tileheight=\"32\" tilecount=\"100\" columns=\"10\">\n"
+                  "tileheight=\"32\" tilecount=\"200\" columns=\"10\">\n"
                   " <properties>\n  <property name=\"tiletype\" type=\"int\" value=\"%d\"/>\n"
                   "  <property name=\"prefix\" value=\"%s\"/>\n  <property name=\"pictures\" "
                   "type=\"int\" value=\"%d\"/>\n </properties>\n"

@@ -145,12 +145,16 @@ const Shape& GlyphShape(char c) {
         }
         for (const Seg& g : s.segs) s.width = std::max(s.width, std::max(g.x0, g.x1));
     } else {
-        s.width = c == ' ' ? 2.2f : 4.f;
+        s.width = c == ' ' ? 3.4f : 4.f;
     }
     return cache[c] = s;
 }
 
-float Advance(char c) { return GlyphShape(c).width + (c == ' ' ? 0.f : 2.0f); }
+// Hooks of f, r and t overhang the next letter a little.
+float Advance(char c) {
+    float tuck = c == 'f' ? 1.5f : c == 'r' ? 0.6f : c == 't' ? 0.5f : 0.f;
+    return GlyphShape(c).width + (c == ' ' ? 0.f : 2.0f) - tuck;
+}
 
 }  // namespace
 

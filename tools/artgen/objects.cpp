@@ -6,6 +6,7 @@
 // at the anchor; blocked cells and ground pieces are offsets from that cell.
 #include <cstdio>
 #include <string>
+#include <algorithm>
 
 #include "iso.h"
 #include "noise.h"
@@ -830,6 +831,73 @@ std::string CellList(const std::vector<Cell>& cells) {
     return s;
 }
 
+Img FromPicture(const Output& out, const std::string& path) {
+    for (const Picture& p : out.pictures)
+        if (p.path == path) {
+            Img im(p.w, p.h);
+            for (int y = 0; y < p.h; ++y)
+                for (int x = 0; x < p.w; ++x) {
+                    const uint8_t* c = &p.rgb[(size_t(y) * p.w + x) * 3];
+                    if (!(c[0] == 255 && c[1] == 0 && c[2] == 255)) im.Set(x, y, {c[0] / 255.f, c[1] / 255.f, c[2] / 255.f});
+                }
+            return im;
+        }
+    return Img(64, 32);
+}
+
+// A corner of the village put together the way the engine does it: tiles on the
+// ground layer, objects on the object layer (back to front), ground pieces moved to
+// the ground layer, and a 48-pixel figure for scale. For review only.
+void VillageReview(Output& out, const Img& sheet, const std::vector<ObjDef>& objs,
+                   const std::vector<int>& px, const std::vector<int>& py) {
+    const int n = 14, ox = 32 * n - 32 + 32;
+    auto dirt = [](int i, int j) { return std::abs(j - 7) <= 0 || (i >= 9 && i <= 9 && j > 7); };
+    Img ground(64 * n + 64, 32 * n + 64), layer(ground.w, ground.h);
+    ground.Fill(Hex(0x000000));
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            int mask = (dirt(i, j) ? 8 : 0) | (dirt(i + 1, j) ? 4 : 0) | (dirt(i + 1, j + 1) ? 2 : 0) | (dirt(i, j + 1) ? 1 : 0);
+            char name[64];
+            uint32_t h = Hash3(i, j, 9);
+            if (mask == 0) std::snprintf(name, sizeof name, "tiles/1/grass%02u.bmp", h % 12 + 1);
+            else if (mask == 15) std::snprintf(name, sizeof name, "tiles/2/dirt%02u.bmp", h % 10 + 1);
+            else std::snprintf(name, sizeof name, "tiles/7/gd%02u.bmp", (mask - 1) + 14 * (h % 2) + 1);
+            ground.Draw(FromPicture(out, name), 32 * (i - j) + ox - 32, 16 * (i + j) + 32);
+        }
+    struct Place { const char* name; int i, j; };
+    const Place places[] = {{"oak", 1, 1},       {"pine", 0, 5},   {"cottage", 3, 3},   {"stonehouse", 9, 2},
+                            {"well", 7, 9},      {"barrels", 6, 4}, {"crates", 6, 5},   {"signpost", 8, 6},
+                            {"stall", 4, 9},     {"fence_u", 1, 11}, {"fence_u", 2, 11}, {"fence_v", 3, 11},
+                            {"bush", 12, 8},     {"rocks", 11, 11}, {"deadtree", 12, 12}, {"oak2", 0, 9},
+                            {"wall_u", 12, 5},   {"wall_u", 13, 5}, {"bush_berry", 10, 6}};
+    std::vector<Place> order(std::begin(places), std::end(places));
+    std::stable_sort(order.begin(), order.end(), [](const Place& a, const Place& b) { return a.i + a.j < b.i + b.j; });
+    for (const Place& p : order)
+        for (size_t k = 0; k < objs.size(); ++k) {
+            if (objs[k].name != p.name) continue;
+            const ObjDef& o = objs[k];
+            int wx = 32 * (p.i - p.j) + ox - 32 - o.ax, wy = 16 * (p.i + p.j) + 32 - o.ay;
+            layer.Draw(sheet.Crop(px[k], py[k], o.im.w, o.im.h), wx, wy);
+            for (const Cell& g : o.ground) {
+                int gx = o.ax + 32 * (g.di - g.dj), gy = o.ay + 16 * (g.di + g.dj);
+                ground.Draw(sheet.Crop(px[k] + gx, py[k] + gy, 64, 32), wx + gx, wy + gy);
+                for (int y = 0; y < 32; ++y)
+                    for (int x = 0; x < 64; ++x)
+                        if (layer.In(wx + gx + x, wy + gy + y)) layer.Set(wx + gx + x, wy + gy + y, {}, 0.f);
+            }
+        }
+    ground.Draw(layer, 0, 0);
+    // A figure of the hero's height (48 px) in front of the cottage door.
+    {
+        int i = 4, j = 5;
+        float fx = 32 * (i - j) + ox, fy = 16 * (i + j) + 32 + 16;
+        Paint(ground, fx - 8, fy - 50, fx + 8, fy + 2,
+              [&](float x, float y) { return std::min(SdSegment(x, y, fx, fy - 6, fx, fy - 34, 6.f), SdCircle(x, y, fx, fy - 43, 5.f)); },
+              [&](float x, float, float d) { return d > -1 ? kInk : Shade(Hex(0x6A5A8A), 1.1f - (x - fx) / 12.f); });
+    }
+    out.AddReview("scene", "village", ground);
+}
+
 }  // namespace
 
 void GenObjects(Output& out, const std::string& tilesetDir) {
@@ -913,6 +981,7 @@ void GenObjects(Output& out, const std::string& tilesetDir) {
         }
     }
     out.AddPicture("tiles", "tiles/obj.bmp", sheet);
+    VillageReview(out, sheet, objs, px, py);
     out.AddText("manifest/objects.txt", man);
     if (!tilesetDir.empty()) {
         tsx += "</tileset>\n";

@@ -566,23 +566,26 @@ void Mouse(Img& im, float cx, float cy, int litButton) {
 // A little figure in the game's proportions, for the tutorial pictures.
 void Figure(Img& im, float x, float by, bool running, Col cloak) {
     float lean = running ? 6.f : 0.f;
-    Paint(im, x - 12, by - 50, x + 14, by + 2,
-          [&](float px, float py) {
+    const float k = 1.6f;  // drawn larger than in the world so the pose reads
+    Paint(im, x - 12 * k, by - 50 * k, x + 14 * k, by + 2,
+          [&](float qx, float qy) {
+              float px = x + (qx - x) / k, py = by + (qy - by) / k;
               float body = SdSegment(px, py, x, by - 16, x + lean, by - 36, 6.f);
               float head = SdCircle(px, py, x + lean * 1.2f, by - 43, 5.f);
               float l1 = SdSegment(px, py, x, by - 16, x + (running ? 9 : 3), by, 2.3f);
               float l2 = SdSegment(px, py, x, by - 16, x - (running ? 7 : 3), by - (running ? 3 : 0), 2.3f);
-              return std::min(std::min(body, head), std::min(l1, l2));
+              return std::min(std::min(body, head), std::min(l1, l2)) * k;
           },
-          [&](float px, float py, float d) {
+          [&](float qx, float qy, float d) {
+              float px = x + (qx - x) / k, py = by + (qy - by) / k;
               if (d > -1.2f) return Hex(0x1A1410);
               if (py < by - 38) return Shade(Hex(0xD8B090), 1.1f - (px - x) / 20.f);
               return Shade(cloak, 1.1f - (px - x) / 16.f);
           });
     if (running)
-        for (int k = 0; k < 3; ++k)
-            Paint(im, x - 34, by - 40, x - 6, by - 8,
-                  [&](float px, float py) { return SdSegment(px, py, x - 30 + k * 3, by - 36 + k * 10, x - 14 + k * 3, by - 36 + k * 10, 1.f); },
+        for (int m = 0; m < 3; ++m)
+            Paint(im, x - 64, by - 70, x - 6, by - 8,
+                  [&](float px, float py) { return SdSegment(px, py, x - 56 + m * 4, by - 62 + m * 16, x - 30 + m * 4, by - 62 + m * 16, 1.2f); },
                   [&](float, float, float) { return Hex(0x6A5A48); });
 }
 

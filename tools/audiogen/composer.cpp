@@ -155,6 +155,7 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
   }
   int cur = 2 + rng.Below(3);
   const int lo = -p.range / 3, hi = p.range;
+  std::vector<std::vector<int>> pitches(bars);  // chosen scale indices per bar
   for (int b = 0; b < bars; ++b) {
     const Chord& chord = s.chords[std::min<size_t>(b / s.barsPerChord, s.chords.size() - 1)];
     std::vector<int> tones = ChordSemitones(m.scale, chord);
@@ -166,7 +167,28 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
       const bool strong = pos == 0 || (m.meter == 4 && pos == 2) || last;
       double progress = (b + pos / m.meter) / bars;
       double target = lo + (hi - lo) * (0.35 + 0.45 * std::sin(kPi * progress));
+      // The answering phrase echoes the opening one where the rhythm repeats, bent onto
+      // the chord where the harmony differs: that repetition is what makes it a tune.
+      const bool echo = b >= half && b - half < half && !phraseEnd && rhythm[b] == rhythm[b - half] &&
+                        k < pitches[b - half].size() && pitches[b - half][k] != INT_MIN;
+      if (echo) {
+        int e = pitches[b - half][k];
+        if (strong && !IsChordTone(m, tones, e)) {
+          for (int d : {1, -1, 2, -2})
+            if (IsChordTone(m, tones, e + d)) {
+              e += d;
+              break;
+            }
+        }
+        cur = std::clamp(e, lo, hi);
+        pitches[b].push_back(cur);
+        double vel = (pos == 0 ? 1.0 : 0.82) * rng.Range(0.9, 1.0);
+        out.push_back({b * static_cast<double>(m.meter) + pos, len, cur, vel});
+        pos += len;
+        continue;
+      }
       if (!strong && !last && rng.Chance(p.rest)) {
+        pitches[b].push_back(INT_MIN);
         pos += len;
         continue;
       }
@@ -192,6 +214,7 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
       }
       double vel = (pos == 0 ? 1.0 : 0.82) * rng.Range(0.9, 1.0);
       out.push_back({b * static_cast<double>(m.meter) + pos, len, cur, vel});
+      pitches[b].push_back(cur);
       pos += len;
     }
   }

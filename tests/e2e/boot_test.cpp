@@ -14,7 +14,7 @@ TEST(Boot, WithoutActionPlayTheLauncherIsStartedAndNoGameRuns) {
     fs::path dir = CopyGame("launch");
     fs::path log = dir / "launcher.log";
     // "ACTION=PLAY" is not the hand-shake (case-sensitive).
-    Result r = Run(dir, "ACTION=PLAY --headless", "ASHEN_LAUNCHER_LOG='" + log.string() + "' ASHEN_LAUNCHER_NOEXEC=1");
+    Result r = RunGame(dir, "ACTION=PLAY --headless", "ASHEN_LAUNCHER_LOG='" + log.string() + "' ASHEN_LAUNCHER_NOEXEC=1");
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_FALSE(fs::exists(dir / "GameEngine.log"));
     std::string calls = ReadFile(log);
@@ -25,7 +25,7 @@ TEST(Boot, WithoutActionPlayTheLauncherIsStartedAndNoGameRuns) {
 TEST(Boot, SplashPicturesLeadToTheMainMenuWithSummaryAndShot) {
     fs::path dir = CopyGame("boot");
     fs::path shot = dir / "menu.png", state = dir / "state.json", log = dir / "launcher.log";
-    Result r = Run(dir,
+    Result r = RunGame(dir,
                    "--headless --uncapped --frames 340 --clock 1299011409 action=play --dump-state '" +
                        state.string() + "' --shot 330:'" + shot.string() + "'",
                    "ASHEN_LAUNCHER_LOG='" + log.string() + "'");
@@ -70,7 +70,7 @@ TEST(Boot, MissingLayoutFailsStartUpWithItsMessagesAndCallsTheLauncher) {
     ASSERT_EQ(std::system((vrn + " pack '" + unpacked.string() + "' '" + (dir / "data/ini.vrn").string() + "'").c_str()),
               0);
     fs::path log = dir / "launcher.log";
-    Result r = Run(dir, "action=play --headless --frames 5", "ASHEN_LAUNCHER_LOG='" + log.string() + "'");
+    Result r = RunGame(dir, "action=play --headless --frames 5", "ASHEN_LAUNCHER_LOG='" + log.string() + "'");
     EXPECT_EQ(r.exitCode, 1);
     size_t a = r.err.find("Load ini files failed!");
     size_t b = r.err.find("Initialize application failed.");
@@ -84,7 +84,7 @@ TEST(Boot, MissingLayoutFailsStartUpWithItsMessagesAndCallsTheLauncher) {
 TEST(Boot, MissingBootstrapIniFailsOnGameIni) {
     fs::path dir = CopyGame("noboot");
     fs::remove(dir / "game.ini");
-    Result r = Run(dir, "action=play --headless --frames 5");
+    Result r = RunGame(dir, "action=play --headless --frames 5");
     EXPECT_NE(r.err.find("Load game.ini failed!"), std::string::npos) << r.err;
     EXPECT_NE(r.err.find("Initialize application failed."), std::string::npos);
     fs::remove_all(dir);

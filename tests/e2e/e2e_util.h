@@ -57,7 +57,7 @@ struct Result {
 };
 
 // Runs a shell command line in dir, capturing stdout and stderr.
-inline Result Run(const fs::path& dir, const std::string& args, const std::string& env = "") {
+inline Result RunGame(const fs::path& dir, const std::string& args, const std::string& env = "") {
     fs::path out = dir / "stdout.txt", err = dir / "stderr.txt";
     std::string cmd = "cd '" + dir.string() + "' && " + env + " ./ashen-oath " + args + " >'" + out.string() +
                       "' 2>'" + err.string() + "'";

@@ -393,7 +393,10 @@ Img TextPageBg(uint32_t seed, bool result) {
         Sky(im, {{0, Hex(0x2A3448)}, {0.6f, Hex(0x8A7068)}, {1, Hex(0xD8A878)}}, 0, 480);
         Ridge(im, 330, 60, 0.004f, seed, [](float, float, float d) { return Mix(Hex(0x3A3A44), Hex(0x202028), Clamp01(d / 120)); });
         // The shrine on its hilltop.
-        float sx = 470, sy = 268;
+        float sx = 575, sy = 300;
+        // The hill the shrine stands on.
+        Paint(im, sx - 140, sy - 10, sx + 140, sy + 120, [&](float x, float y) { return SdEllipse(x, y, sx + 10, sy + 60, 130, 62); },
+              [](float, float y, float) { return Mix(Hex(0x34343E), Hex(0x202028), Clamp01((y - 300) / 90)); });
         Poly(im, {sx - 20, sy, sx + 20, sy, sx + 16, sy - 36, sx - 16, sy - 36}, [](float, float) { return Hex(0x202028); }, Hex(0x202028), 0.f);
         Poly(im, {sx - 26, sy - 36, sx, sy - 52, sx + 26, sy - 36}, [](float, float) { return Hex(0x1A1A22); }, Hex(0x1A1A22), 0.f);
         Glow(im, sx, sy - 18, 40, Hex(0x8A5020), 0.8f);
@@ -403,10 +406,10 @@ Img TextPageBg(uint32_t seed, bool result) {
         Embers(im, 320, 480, 320, 200, seed);
         Glow(im, 320, 520, 320, Hex(0x4A1A06), 0.5f);
     }
-    Img page(440, 360);
-    Parchment(page, 0, 0, 440, 360, seed + 2);
-    im.Draw(page, 100, 60, 1.f);
-    WoodFrame(im, 92, 52, 456, 376, 9, seed + 3);
+    Img page(340, 360);
+    Parchment(page, 0, 0, 340, 360, seed + 2);
+    im.Draw(page, 150, 60, 1.f);
+    WoodFrame(im, 142, 52, 356, 376, 9, seed + 3);
     Vignette(im, 0.4f);
     return im;
 }
@@ -834,7 +837,7 @@ void GenUi(Output& out) {
                 "save panel 400x380 title y=26 close x=362 y=10 slots y=62,110,158,206,254,302 (352x38 at x=24)\n"
                 "talk box 600x150 face x=20 y=35 (80x80) text x=116 y=20 w=464 h=110\n"
                 "tutorial page 360x240 prev x=10 y=204 next x=322 y=204 close x=322 y=8\n"
-                "credits/result text area x=110 y=70 w=420 h=340\n");
+                "credits/result text area x=160 y=70 w=320 h=340\n");
 }
 
 }  // namespace art

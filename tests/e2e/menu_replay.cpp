@@ -1,0 +1,127 @@
+// The real binary, headless, driven by a replay through the menus: the splash
+// pictures into the main menu, the credits and back, the load panel (Esc and its
+// close button back to the main menu), and quit. The same replay runs with
+// several frame limits so the dumped mode can be checked at each step.
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <cstring>
+#include <vector>
+
+#include "e2e_util.h"
+
+using namespace e2e;
+
+namespace {
+
+// Frames of the replay (the main menu is steady from about frame 320 on).
+const char* const kReplay =
+    "# credits (the cursor rests on the button for a few frames first)\n"
+    "325 move 320 356\n"
+    "331 ldown 320 356\n"
+    "332 lup 320 356\n"
+    "# back to the main menu\n"
+    "370 move 300 240\n"
+    "371 ldown 300 240\n"
+    "372 lup 300 240\n"
+    "# the load panel, then Esc\n"
+    "400 move 320 302\n"
+    "401 ldown 320 302\n"
+    "402 lup 320 302\n"
+    "410 key 27\n"
+    "# the load panel again, then its close button\n"
+    "415 ldown 320 302\n"
+    "416 lup 320 302\n"
+    "420 move 493 75\n"
+    "421 ldown 493 75\n"
+    "422 lup 493 75\n"
+    "# quit\n"
+    "430 move 320 410\n"
+    "431 ldown 320 410\n"
+    "432 lup 320 410\n";
+
+struct SShot {
+    std::vector<uint8_t> rgb;
+    bool ok = false;
+    const uint8_t* At(int x, int y) const { return &rgb[(size_t(y) * 640 + size_t(x)) * 3]; }
+};
+
+SShot ReadPng(const fs::path& path) {
+    SShot s;
+    png_image img;
+    std::memset(&img, 0, sizeof img);
+    img.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_file(&img, path.c_str())) return s;
+    img.format = PNG_FORMAT_RGB;
+    s.rgb.resize(PNG_IMAGE_SIZE(img));
+    s.ok = png_image_finish_read(&img, nullptr, s.rgb.data(), 0, nullptr) && img.width == 640 && img.height == 480;
+    return s;
+}
+
+// Share of pixels that differ clearly between two shots inside a rectangle.
+double Difference(const SShot& a, const SShot& b, int l, int t, int r, int bt) {
+    long differ = 0, total = 0;
+    for (int y = t; y < bt; ++y)
+        for (int x = l; x < r; ++x) {
+            const uint8_t* p = a.At(x, y);
+            const uint8_t* q = b.At(x, y);
+            differ += std::abs(p[0] - q[0]) + std::abs(p[1] - q[1]) + std::abs(p[2] - q[2]) > 30;
+            ++total;
+        }
+    return total ? double(differ) / double(total) : 0;
+}
+
+long ModeAfter(const fs::path& dir, int frames, const std::string& extra = "") {
+    fs::path state = dir / ("state_" + std::to_string(frames) + ".json");
+    Result r = e2e::RunGame(dir, "action=play --headless --uncapped --clock 1299011409 --frames " + std::to_string(frames) +
+                            " --replay replay.txt --dump-state '" + state.string() + "' " + extra,
+                   "ASHEN_LAUNCHER_NOEXEC=1");
+    return JsonInt(ReadFile(state), "mode");
+}
+
+}  // namespace
+
+TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
+    fs::path dir = CopyGame("menu");
+    WriteFile(dir / "replay.txt", kReplay);
+    // A saved game in slot 2 and a foreign file in slot 3.
+    std::string slot(400, '\0');
+    std::memcpy(&slot[0], "vnsv", 4);
+    std::memcpy(&slot[4], "2026/11/22-28:5:9", 17);
+    std::memcpy(&slot[34 + 24], "Ashvale", 7);
+    WriteFile(dir / "saves" / "2.sav", slot);
+    WriteFile(dir / "saves" / "3.sav", "NOPE" + slot.substr(4));
+
+    EXPECT_EQ(ModeAfter(dir, 329), 2);  // GS_MAINMENU
+    const std::string shots = "--shot 324:'" + (dir / "menu.png").string() + "' --shot 328:'" +
+                              (dir / "menu_hover.png").string() + "' --shot 365:'" + (dir / "credits.png").string() +
+                              "' --shot 404:'" + (dir / "load.png").string() + "'";
+    EXPECT_EQ(ModeAfter(dir, 365), 8);         // GS_CREDITS
+    EXPECT_EQ(ModeAfter(dir, 399), 2);         // back in the main menu
+    EXPECT_EQ(ModeAfter(dir, 405, shots), 7);  // GS_LOAD
+    EXPECT_EQ(ModeAfter(dir, 412), 2);         // Esc: back where it was opened
+    EXPECT_EQ(ModeAfter(dir, 418), 7);
+    EXPECT_EQ(ModeAfter(dir, 425), 2);         // the close button
+    // Quit fades out and ends the program before the frame limit.
+    fs::path state = dir / "state_quit.json";
+    Result r = e2e::RunGame(dir,
+                   "action=play --headless --uncapped --clock 1299011409 --frames 600 --replay replay.txt "
+                   "--dump-state '" + state.string() + "'",
+                   "ASHEN_LAUNCHER_NOEXEC=1");
+    EXPECT_EQ(JsonInt(ReadFile(state), "mode"), 14) << r.err;  // GS_QUIT
+    long frames = -1;
+    if (std::sscanf(r.out.c_str(), "frames=%ld", &frames) == 1) EXPECT_LT(frames, 600);
+
+    const SShot menu = ReadPng(dir / "menu.png"), credits = ReadPng(dir / "credits.png"),
+                load = ReadPng(dir / "load.png"), hover = ReadPng(dir / "menu_hover.png");
+    ASSERT_TRUE(menu.ok && credits.ok && load.ok && hover.ok);
+    // The credits page is another picture than the menu.
+    EXPECT_GT(Difference(menu, credits, 0, 0, 640, 480), 0.3);
+    // The load panel stands in the middle over the menu; the menu's corners stay.
+    EXPECT_GT(Difference(menu, load, 140, 120, 500, 400), 0.3);
+    EXPECT_LT(Difference(menu, load, 0, 0, 100, 40), 0.01);
+    // The cursor rests on the credits button: its hover picture is shown.
+    EXPECT_GT(Difference(menu, hover, 222, 336, 418, 376), 0.05);
+    EXPECT_LT(Difference(menu, hover, 222, 230, 418, 268), 0.01);
+    fs::remove_all(dir);
+}

@@ -35,6 +35,10 @@ const char* const kReplay =
     "420 move 493 75\n"
     "421 ldown 493 75\n"
     "422 lup 493 75\n"
+    "# the boss key and back; a screenshot in the main menu\n"
+    "426 key 120\n"
+    "428 key 120\n"
+    "429 key 122\n"
     "# quit\n"
     "430 move 320 410\n"
     "431 ldown 320 410\n"
@@ -102,6 +106,9 @@ TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
     EXPECT_EQ(ModeAfter(dir, 412), 2);         // Esc: back where it was opened
     EXPECT_EQ(ModeAfter(dir, 418), 7);
     EXPECT_EQ(ModeAfter(dir, 425), 2);         // the close button
+    EXPECT_EQ(ModeAfter(dir, 427), 16);        // F9: GS_BOSSKEY
+    fs::remove_all(dir / "screenshot");
+    fs::create_directories(dir / "screenshot");
     // Quit fades out and ends the program before the frame limit.
     fs::path state = dir / "state_quit.json";
     Result r = e2e::RunGame(dir,
@@ -111,6 +118,22 @@ TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
     EXPECT_EQ(JsonInt(ReadFile(state), "mode"), 14) << r.err;  // GS_QUIT
     long frames = -1;
     if (std::sscanf(r.out.c_str(), "frames=%ld", &frames) == 1) EXPECT_LT(frames, 600);
+
+    // F11 wrote one JPEG that an independent decoder reads: 640 x 480, 3 components.
+    std::vector<fs::path> jpegs;
+    for (auto& e : fs::directory_iterator(dir / "screenshot"))
+        if (e.path().extension() == ".jpg") jpegs.push_back(e.path());
+    ASSERT_EQ(jpegs.size(), 1u);
+    const std::string name = jpegs[0].filename().string();
+    EXPECT_EQ(name.rfind("2011312830", 0), 0u) << name;  // 2011-03-01 20:30 UTC: hour 28
+    std::string info;
+    if (FILE* p = popen(("djpeg -verbose -verbose '" + jpegs[0].string() + "' 2>&1 >/dev/null").c_str(), "r")) {
+        char buf[4096];
+        size_t n;
+        while ((n = fread(buf, 1, sizeof buf, p)) > 0) info.append(buf, n);
+        pclose(p);
+    }
+    EXPECT_NE(info.find("width=640, height=480, components=3"), std::string::npos) << info;
 
     const SShot menu = ReadPng(dir / "menu.png"), credits = ReadPng(dir / "credits.png"),
                 load = ReadPng(dir / "load.png"), hover = ReadPng(dir / "menu_hover.png");

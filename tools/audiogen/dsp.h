@@ -97,8 +97,9 @@ class Wavetable {
     for (double& v : table_) v /= peak;
     table_[kSize] = table_[0];
   }
+  // phase in [0, 1)
   double Read(double phase) const {
-    double p = (phase - std::floor(phase)) * kSize;
+    double p = phase * kSize;
     int i = static_cast<int>(p);
     if (i >= kSize) i = kSize - 1;
     double f = p - i;

@@ -117,12 +117,13 @@ void Instruments::Sustained(const NoteRequest& n, const Wavetable& table, int vo
   double lfoS = 0, lfoC = 1;
   const size_t attackEnd = static_cast<size_t>(attack * rate_);
   const size_t holdEnd = static_cast<size_t>(hold * rate_);
+  const double invRelease = 1.0 / release;
   for (size_t i = 0; i < total; ++i) {
     const double t = static_cast<double>(i) / rate_;
     double env;
     if (i < attackEnd) env = 0.5 - 0.5 * std::cos(kPi * t / attack);
     else if (i < holdEnd) env = 1.0;
-    else env = std::max(0.0, 1.0 - (t - hold) / release);
+    else env = std::max(0.0, 1.0 - (t - hold) * invRelease);
     double vib = 1.0;
     if (vibrato > 0) {
       double ns = lfoS * rc + lfoC * rs;

@@ -73,7 +73,6 @@ void RenderLayer(const SfxLayer& l, double freqScale, double gain, int rate, Rng
       s = prev;
     }
   }
-  double prevOut = 0;
 
   for (size_t i = 0; i < n; ++i) {
     const double t = i * dt;
@@ -156,10 +155,8 @@ void RenderLayer(const SfxLayer& l, double freqScale, double gain, int rate, Rng
       high.Run(v);
       v = high.high;
     }
-    prevOut = v;
     out[start + i] += v * Envelope(l, t) * gain;
   }
-  (void)prevOut;
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -176,7 +177,8 @@ void BM_ArchiveOpenReadAll(benchmark::State& state) {
         }
         Bytes img;
         BuildVrnArchive(in, VRN_COMPRESS_AUTO, &img, nullptr);
-        std::string p = "/tmp/ashen_bench_pack_" + std::to_string(getpid()) + ".vrn";
+        static std::string p = "/tmp/ashen_bench_pack_" + std::to_string(getpid()) + ".vrn";
+        std::atexit([] { std::remove(p.c_str()); });
         std::ofstream(p, std::ios::binary).write(reinterpret_cast<const char*>(img.data()), std::streamsize(img.size()));
         std::fprintf(stderr, "pack: %zu entries, %zu bytes raw, %zu bytes packed\n", in.size(), total, img.size());
         return p;

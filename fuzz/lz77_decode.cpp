@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size < 2) return 0;
     const int32_t outLen = int32_t(data[0] | data[1] << 8) + 1;
     static CCompressLZ77 codec;
-    std::vector<uint8_t> out(size_t(outLen));
+    std::vector<uint8_t> out(static_cast<size_t>(outLen));
     if (codec.DecompressBounded(out.data(), outLen, data + 2, size - 2) != 1) return 0;
     std::vector<uint8_t> z(out.size() + 8, 0);
     const int32_t n = codec.Compress(out.data(), outLen, z.data());

@@ -148,7 +148,8 @@ bool CVRN_File::Load(SSource& src, const char* displayName) {
             nameBuf.resize(size_t(nameLen) + 1);
             if (!src.Get(nameBuf.data(), uint64_t(nameLen) + 1)) return damaged("truncated name");
             auto node = std::make_unique<SVrnNode>();
-            node->name.assign(nameBuf.data(), nameLen);
+            // The name is a zero-terminated string: an embedded zero ends it.
+            node->name.assign(nameBuf.data(), strnlen(nameBuf.data(), nameLen));
             node->path = parent->path + "\\" + node->name;
             node->size = Le32(rec + 0);
             node->fullSize = Le32(rec + 4);

@@ -44,9 +44,9 @@ add_custom_command(OUTPUT ${ASHEN_LOOSE_STAMP}
   VERBATIM)
 list(APPEND ASHEN_GAME_OUTPUTS ${ASHEN_LOOSE_STAMP})
 
-# The CJK-capable font and its licence (from Debian's fonts-droid-fallback).
-set(ASHEN_FONT_SRC /usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf)
-set(ASHEN_FONT_LICENSE /usr/share/doc/fonts-droid-fallback/copyright)
+# The font (Latin and CJK glyphs) and its licence, from Debian's fonts-wqy-microhei.
+set(ASHEN_FONT_SRC /usr/share/fonts/truetype/wqy/wqy-microhei.ttc)
+set(ASHEN_FONT_LICENSE /usr/share/doc/fonts-wqy-microhei/copyright)
 add_custom_command(OUTPUT ${ASHEN_GAME_DIR}/data/seguibk.ttf
   COMMAND ${CMAKE_COMMAND} -E make_directory ${ASHEN_GAME_DIR}/data
   COMMAND ${CMAKE_COMMAND} -E copy ${ASHEN_FONT_SRC} ${ASHEN_GAME_DIR}/data/seguibk.ttf

@@ -315,6 +315,7 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
         dd.sh[0] = dd.sh[1] = 0.3;
         dd.shOut[0] = dd.shOut[1] = 0.8;
         dd.cloak = 0.3;
+        dd.wrist = 1.3;
         HPose e = dd;  // lying on the back
         e.fall = kPi / 2 - 0.02;
         e.lean = -0.05;
@@ -331,7 +332,7 @@ HPose HumanPose(const Desc& d, const Gear& g, const std::string& action, int k, 
         e.shOut[1] = 0.85;
         e.elbow[0] = e.elbow[1] = 0.3;
         e.cloak = 0.02;
-        e.wrist = 0.3;
+        e.wrist = 1.55;  // the blade lies along the arm on the ground
         std::vector<HPose> keys = {a, b, c, dd, e};
         p = Keys(keys, u);
         if (u >= 1.0) p = e;

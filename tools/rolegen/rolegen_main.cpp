@@ -25,6 +25,9 @@ namespace {
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kElevation = kPi / 6;  // 30 degrees: ground diamonds come out 2:1
+// Model units to pixels: the standard figure (56 units) comes out about 48 pixels
+// from crown to soles, a tile and a half.
+constexpr double kPixelsPerUnit = 0.86;
 
 // Facing of direction d (1 = up, clockwise) turned into the yaw of the model:
 // a screen direction (sx, sy) is the ground direction (sx, 2 sy) seen from above.
@@ -42,7 +45,7 @@ bool RenderLook(const rolefile::Desc& d, const fs::path& stage, int& border) {
     std::vector<Prim> prims;
     Image img;
     Camera cam;
-    cam.scale = d.scale;
+    cam.scale = d.scale * kPixelsPerUnit;
     cam.originX = d.footX;
     cam.originY = d.footY;
     for (size_t a = 0; a < d.actions.size(); ++a) {

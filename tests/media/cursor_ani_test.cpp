@@ -34,7 +34,7 @@ std::vector<uint8_t> MakeCursor(int bits, uint16_t hotX, uint16_t hotY, uint8_t 
             img.push_back(red);
             if (bits == 32) img.push_back(x == 0 ? 0 : 255);
         }
-        if (bits == 24) img.insert(img.end(), 4, 0);  // 12 bytes padded to 16
+        // 4 pixels of 3 or 4 bytes: already a multiple of 4 bytes per row.
     }
     // AND mask rows (4 bytes each): the last pixel of every row is transparent.
     for (int y = 0; y < h; ++y) {

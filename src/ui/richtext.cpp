@@ -43,7 +43,14 @@ void CGraphTextSink::DrawRun(const char* run, int32_t x, int32_t y, COLORREF col
 
 CRichTextWriter::CRichTextWriter(IRichTextSink& sink, const SRichLayout& layout)
     : m_sink(sink), m_layout(layout), m_nPenX(layout.x), m_color(layout.defaultColor) {
-    m_run.reserve(128);
+    m_run[0] = 0;
+}
+
+// A full buffer is drawn early; the pen carries on after it, so nothing changes on screen.
+void CRichTextWriter::Append(char c) {
+    if (m_nRunLength + 1 >= sizeof m_run) Flush();
+    m_run[m_nRunLength++] = c;
+    m_run[m_nRunLength] = 0;
 }
 
 // A screen line may receive bytes while it lies inside the visible window.
@@ -53,14 +60,15 @@ bool CRichTextWriter::Room() {
 }
 
 void CRichTextWriter::Flush() {
-    if (m_run.empty()) return;
+    if (m_nRunLength == 0) return;
     const int32_t shown = m_nLine - m_layout.firstLine;
     if (shown >= 0 && (m_layout.maxLines <= 0 || shown < m_layout.maxLines)) {
         const int32_t y = m_layout.y + shown * m_layout.lineHeight;
-        m_sink.DrawRun(m_run.c_str(), m_nPenX, y, m_color, m_layout.centred);
-        m_nPenX += m_sink.MeasureRun(m_run.c_str());
+        m_sink.DrawRun(m_run, m_nPenX, y, m_color, m_layout.centred);
+        m_nPenX += m_sink.MeasureRun(m_run);
     }
-    m_run.clear();
+    m_nRunLength = 0;
+    m_run[0] = 0;
 }
 
 void CRichTextWriter::NewLine() {
@@ -81,8 +89,10 @@ bool CRichTextWriter::Paragraph(const char* text, size_t length) {
         const uint8_t c = p[i];
         if (c >= 0x80) {
             if (!Room()) return false;
-            m_run.push_back(char(c));
-            if (i + 1 < length) m_run.push_back(char(p[i + 1]));
+            // Keep the two bytes of a character in one run.
+            if (m_nRunLength + 3 > sizeof m_run) Flush();
+            Append(char(c));
+            if (i + 1 < length) Append(char(p[i + 1]));
             m_nCount += 2;
             i += 2;
         } else if (c == '<') {
@@ -104,7 +114,7 @@ bool CRichTextWriter::Paragraph(const char* text, size_t length) {
             continue;
         } else {
             if (!Room()) return false;
-            m_run.push_back(char(c));
+            Append(char(c));
             m_nCount += 1;
             i += (c == ',') ? 2 : 1;
         }

@@ -71,9 +71,13 @@ private:
     void NewLine();
     bool Room();
 
+    void Append(char c);
+
     IRichTextSink& m_sink;
     SRichLayout m_layout;
-    std::string m_run;
+    // The bytes not yet drawn; a fixed buffer so that drawing allocates nothing.
+    char m_run[256];
+    size_t m_nRunLength = 0;
     int32_t m_nPenX = 0;
     int32_t m_nLine = 0;
     int32_t m_nCount = 0;

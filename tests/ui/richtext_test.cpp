@@ -209,3 +209,27 @@ TEST(RichText, TooltipPlacementAtTheEdges) {
     EXPECT_EQ(p.top, 413);
     EXPECT_LE(p.box.bottom, 480);
 }
+
+TEST(RichText, LongRunsAreDrawnInPiecesThatJoin) {
+    // 600 bytes without markup or wrap exceed the run buffer: the pieces follow
+    // one another on the line and together give the text.
+    std::string text;
+    for (int i = 0; i < 300; ++i) text += (i % 2) ? "\xB0\xA1" : "x";
+    CRecordingSink sink;
+    CRichTextWriter w(sink, Layout());
+    w.Paragraph(text);
+    ASSERT_GT(sink.runs.size(), 1u);
+    std::string joined;
+    int32_t x = 100;
+    for (const auto& r : sink.runs) {
+        EXPECT_EQ(r.x, x);
+        EXPECT_EQ(r.y, 50);
+        x += int32_t(r.text.size()) * 10;
+        joined += r.text;
+        // No piece ends inside a two-byte character.
+        size_t i = 0;
+        while (i < r.text.size()) i += (uint8_t(r.text[i]) >= 0x80) ? 2 : 1;
+        EXPECT_EQ(i, r.text.size());
+    }
+    EXPECT_EQ(joined, text);
+}

@@ -198,7 +198,7 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
           if (c < lo || c > hi || !IsChordTone(m, tones, c)) continue;
           // Prefer near chord tones towards the contour, but not the same note again.
           int score = std::abs(c - cur) * 3 + static_cast<int>(std::fabs(c - target) * 2) + rng.Below(5);
-          if (c == cur && !last) score += 7;
+          if (c == cur) score += last ? 4 : 7;
           if (last && Mod(ScaleSemitone(m.scale, c), 12) == Mod(tones[0], 12)) score -= 3;
           if (score < bestScore) {
             bestScore = score;
@@ -210,6 +210,7 @@ std::vector<MelodyNote> MakeMelody(const MusicRecipe& m, const Part& p, const Se
         int dir = (target > cur) ? 1 : -1;
         if (rng.Chance(0.3)) dir = -dir;
         int size = rng.Chance(0.8) ? 1 : 2;
+        if (cur + dir * size < lo || cur + dir * size > hi) dir = -dir;  // turn at the range's edge
         cur = std::clamp(cur + dir * size, lo, hi);
       }
       double vel = (pos == 0 ? 1.0 : 0.82) * rng.Range(0.9, 1.0);

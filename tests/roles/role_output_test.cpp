@@ -317,8 +317,8 @@ TEST(RoleOutput, PortraitsForEverySpeakingCharacter) {
 TEST(RoleOutput, GenerationIsDeterministic) {
     fs::path tmp = fs::temp_directory_path() / ("roles_det_" + std::to_string(::getpid()));
     std::string roles = std::string(ASHEN_SOURCE_DIR) + "/content/roles";
-    ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "a").string() + " " + roles + " wolf hero"));
-    ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "b").string() + " " + roles + " wolf hero"));
+    ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "a").string() + " " + roles + " wolf hero faces"));
+    ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "b").string() + " " + roles + " wolf hero faces"));
     int files = 0;
     for (const auto& e : fs::recursive_directory_iterator(tmp / "a")) {
         if (!e.is_regular_file()) continue;
@@ -329,6 +329,33 @@ TEST(RoleOutput, GenerationIsDeterministic) {
         EXPECT_EQ(a, ReadFile(Stage() / rel)) << rel;
         ++files;
     }
-    EXPECT_EQ(files, 2 * 8 * (4 + 8 + 8 + 6 + 6));
+    EXPECT_EQ(files, 2 * 8 * (4 + 8 + 8 + 6 + 6) + 13);
+    fs::remove_all(tmp);
+}
+
+TEST(RoleOutput, GeneratorReportsFaultyRecipesWithFileAndLine) {
+    fs::path tmp = fs::temp_directory_path() / ("roles_bad_" + std::to_string(::getpid()));
+    fs::create_directories(tmp / "roles/faces");
+    fs::copy_file(fs::path(ASHEN_SOURCE_DIR) / "content/roles/wolf.txt", tmp / "roles/wolf.txt");
+    std::ofstream(tmp / "roles/broken.txt") << "look broken\nfile broken.rol\nrig spider\nsize 64 80\naction stand 4\n";
+    std::ofstream(tmp / "roles/faces/portraits.txt") << "# faces\n"
+                                                        "face a nosuch\n"
+                                                        "face b wolf colour:fur:300,0,0\n"
+                                                        "face c wolf +hood bg:10,20,30\n"
+                                                        "face d\n";
+    std::string cmd = Bin("rolegen") + " " + (tmp / "stage").string() + " " + (tmp / "roles").string() + " 2>" +
+                      (tmp / "err.txt").string();
+    EXPECT_NE(std::system((cmd + " >/dev/null").c_str()), 0);
+    std::ifstream ef(tmp / "err.txt");
+    std::string err((std::istreambuf_iterator<char>(ef)), std::istreambuf_iterator<char>());
+    EXPECT_NE(err.find("broken.txt:3: unknown rig 'spider'"), std::string::npos) << err;
+    EXPECT_NE(err.find("portraits.txt:2: unknown look 'nosuch'"), std::string::npos) << err;
+    EXPECT_NE(err.find("portraits.txt:3: bad colour option"), std::string::npos) << err;
+    EXPECT_NE(err.find("portraits.txt:5: expected"), std::string::npos) << err;
+    // The valid parts still come out: the wolf's frames and the good portrait.
+    EXPECT_TRUE(fs::exists(tmp / "stage/role/wolf/die8_5.bmp"));
+    EXPECT_TRUE(fs::exists(tmp / "stage/face/c.bmp"));
+    EXPECT_FALSE(fs::exists(tmp / "stage/face/b.bmp"));
+    EXPECT_FALSE(fs::exists(tmp / "stage/role/broken"));
     fs::remove_all(tmp);
 }

@@ -460,8 +460,13 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
         int mat = m.cloak;
         Xf cl = torso.Child({0, 15.4, -4.4}, RotX(-p.lean + p.cloak));
         double len = knight ? 27 : 24;
-        out.push_back(Box(cl.P({0, -len / 2, -0.6}), cl.r, {8.0, len / 2, 0.8}, mat));
-        out.push_back(Box(cl.P({0, -len * 0.78, -1.0}), cl.r * RotX(0.08), {9.0, len * 0.24, 0.8}, mat));
+        // Three panels: the back and two sides that wrap forward and flare at the hem.
+        out.push_back(Box(cl.P({0, -len / 2, -0.6}), cl.r, {5.2, len / 2, 0.8}, mat));
+        for (int s = -1; s <= 1; s += 2) {
+            M3 side = cl.r * RotY(s * 0.55) * RotZ(s * 0.07);
+            out.push_back(Box(cl.P({s * 7.4, -len / 2, 1.4}), side, {3.2, len / 2, 0.75}, mat));
+        }
+        out.push_back(Box(cl.P({0, -len + 0.8, -0.9}), cl.r, {5.6, 0.8, 0.9}, m.dark));  // worn hem
         if (!g.hood) out.push_back(Ell(torso.P({0, 14.6, -0.6}), torso.r, {8.9, 3.4, 5.6}, mat));
         else out.push_back(Ell(torso.P({0, 14.8, -0.4}), torso.r, {8.6, 3.2, 5.5}, m.hood));
     }

@@ -116,6 +116,14 @@ TEST(Vrn, BreadthFirstTreeAndLookups) {
     EXPECT_TRUE(v.Current()->children.empty());
     EXPECT_TRUE(v.FindEntry("b\\c"));
     EXPECT_EQ(v.Root()->children.size(), 4u);
+
+    // A name is a C string: a zero inside its N bytes ends it.
+    Bytes z{'V', 'R', 'N', '1', 0, 0, 0, 0, 1, 0, 0, 0};
+    Record(z, 1, 1, 0, 0, 0, std::string("a.x\0y", 5));
+    Set32(z, 4, uint32_t(z.size()));
+    z.push_back('Q');
+    ASSERT_TRUE(v.OpenMemory(z.data(), z.size(), "zero"));
+    EXPECT_EQ(read1("a.x"), "Q");
 }
 
 TEST(Vrn, ChunkBoundariesAndDeterminism) {

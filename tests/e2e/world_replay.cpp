@@ -1,0 +1,178 @@
+// The world end to end: the real game, headless, warped onto a map, steered by a
+// replayed mouse; the dumped state and the frames are checked.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "characters/role.h"
+#include "e2e_util.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct SRun {
+    bool ok = false;    // ran all its frames and ended without a sanitizer report
+    std::string state;  // the dumped JSON
+    std::string output;
+};
+
+// Runs the game in a scratch copy of its folder with the harness flags; extra
+// holds --shot etc.
+SRun RunGame(const std::string& name, const std::string& warp, int frames, const std::string& replay,
+             const std::string& extra = "") {
+    const fs::path dir = e2e::CopyGame("world_" + name);
+    e2e::WriteFile(dir / "input.replay", replay);
+    const e2e::Result res = e2e::RunGame(dir, "action=play --headless --uncapped --warp " + warp + " --frames " +
+                                               std::to_string(frames) + " --replay input.replay --dump-state state.json " +
+                                               extra,
+                                           // Leaks at exit are the harness's business; memory errors and
+                                           // undefined behaviour still end the run with a report.
+                                           "ASAN_OPTIONS=detect_leaks=0");
+    SRun r;
+    r.state = e2e::ReadFile(dir / "state.json");
+    r.output = res.out + res.err;
+    r.ok = res.out.find("frames=" + std::to_string(frames) + " ") != std::string::npos &&
+           r.output.find("Sanitizer") == std::string::npos;
+    fs::remove_all(dir);
+    return r;
+}
+
+fs::path ShotDir() {
+    const fs::path dir = fs::temp_directory_path() / "ashen_world_shots";
+    fs::create_directories(dir);
+    return dir;
+}
+
+// The hero's standing picture size, from the game's own role file.
+SPoint StandSize() {
+    SRoleFileHeader h{};
+    std::vector<SRoleAction> actions;
+    std::vector<SRoleFrame> frames;
+    if (!ReadRoleFile((std::string(ASHEN_GAME_DIR) + "/data/role.pmg").c_str(), h, actions, frames)) return {};
+    for (const SRoleAction& a : actions)
+        if (std::string(a.name) == "stand" && a.firstFrame >= 0 && size_t(a.firstFrame) < frames.size())
+            return SPoint{frames[size_t(a.firstFrame)].width, frames[size_t(a.firstFrame)].height};
+    return {};
+}
+
+// The text of a value in the dump: the first "key": after the given object key.
+std::string Field(const std::string& json, const std::string& object, const std::string& key) {
+    size_t at = 0;
+    if (!object.empty()) {
+        at = json.find("\"" + object + "\":");
+        if (at == std::string::npos) return "";
+    }
+    at = json.find("\"" + key + "\":", at);
+    if (at == std::string::npos) return "";
+    at += key.size() + 3;
+    size_t end = at;
+    if (json[at] == '"') {
+        end = json.find('"', at + 1);
+        return json.substr(at + 1, end - at - 1);
+    }
+    while (end < json.size() && json[end] != ',' && json[end] != '}') ++end;
+    return json.substr(at, end - at);
+}
+
+int IntField(const std::string& json, const std::string& object, const std::string& key) {
+    const std::string v = Field(json, object, key);
+    return v.empty() ? -99999 : std::atoi(v.c_str());
+}
+
+// Cell (i, j)'s box, as the map compiler lays the grid out.
+int BoxX(int i, int j) { return 1568 - 32 + (i - j) * 32; }
+int BoxY(int i, int j) { return (i + j) * 16; }
+
+}  // namespace
+
+TEST(WorldE2E, MapChangeFrameSequence) {
+    // The warp fades out (8 frames), shows the loading message (1), loads (1),
+    // fades the loading picture out (8), runs the first playing frame (fade-in
+    // start, 1), fades in (8) and plays.
+    struct SStep {
+        int frames;
+        const char* mode;
+    } steps[] = {{7, "GS_FADE"}, {8, "GS_MAPMSG"}, {9, "GS_ENTERMAP"}, {10, "GS_FADE"}, {17, "GS_FADE"},
+                 {18, "GS_PLAY"}, {19, "GS_FADE"}, {26, "GS_FADE"}, {27, "GS_PLAY"}};
+    for (const SStep& s : steps) {
+        const SRun r = RunGame("sequence", "main.map", s.frames, "");
+        ASSERT_TRUE(r.ok) << r.output;
+        EXPECT_EQ(Field(r.state, "", "mode_name"), s.mode) << "after " << s.frames << " frames: " << r.state;
+    }
+    const SRun r = RunGame("sequence", "main.map", 30, "");
+    EXPECT_EQ(Field(r.state, "", "map"), "main.map");
+    EXPECT_EQ(Field(r.state, "", "map_name"), "Ashvale");
+    EXPECT_EQ(IntField(r.state, "", "music_started"), 1);
+    // A new game's hero: (x, y + 32) of the start cell (25, 25) is the bottom-left
+    // of its standing picture.
+    const SPoint stand = StandSize();
+    ASSERT_GT(stand.x, 0);
+    EXPECT_EQ(IntField(r.state, "hero", "x"), BoxX(25, 25) + stand.x / 2);
+    EXPECT_EQ(IntField(r.state, "hero", "y"), BoxY(25, 25) + 32 - stand.y / 2);
+    EXPECT_EQ(IntField(r.state, "hero", "direction"), 5);
+    EXPECT_EQ(Field(r.state, "hero", "state"), "stand");
+    EXPECT_EQ(IntField(r.state, "hero", "hp"), 100);
+    EXPECT_EQ(IntField(r.state, "hero", "attack"), 10);
+    EXPECT_EQ(IntField(r.state, "hero", "mp"), 50);
+    EXPECT_EQ(IntField(r.state, "camera", "x"), BoxX(25, 25) + stand.x / 2 - 320);
+    EXPECT_EQ(IntField(r.state, "camera", "y"), BoxY(25, 25) + 32 - stand.y / 2 - 240);
+}
+
+TEST(WorldE2E, HeldLeftButtonRunsTheHeroToThePoint) {
+    // Release once to arm world clicks, then hold 100 pixels right of the hero
+    // (the screen centre). The camera follows, so the held point keeps moving
+    // ahead; after the release the hero runs on to the last point and stops.
+    const std::string replay =
+        "# arm, hold, release\n"
+        "32 lup 320 240\n"
+        "34 ldown 420 240\n"
+        "46 lup 420 240\n";
+    const fs::path shot = ShotDir() / "world_run.png";
+    fs::remove(shot);
+    const SPoint stand = StandSize();
+    SRun held = RunGame("held", "main.map", 44, replay);
+    ASSERT_TRUE(held.ok) << held.output;
+    EXPECT_EQ(Field(held.state, "hero", "state"), "run") << held.state;
+    const SRun r = RunGame("run", "main.map", 90, replay, "--shot 42:" + shot.string());
+    ASSERT_TRUE(r.ok) << r.output;
+    const int x0 = BoxX(25, 25) + stand.x / 2, y0 = BoxY(25, 25) + 32 - stand.y / 2;
+    const int x = IntField(r.state, "hero", "x"), y = IntField(r.state, "hero", "y");
+    // 12 held frames at 6 pixels, then the last 100 pixels.
+    EXPECT_GE(x, x0 + 100 + 6 * 9) << r.state;
+    EXPECT_LE(x, x0 + 100 + 6 * 13) << r.state;
+    EXPECT_EQ(y, y0) << r.state;
+    EXPECT_EQ(Field(r.state, "hero", "state"), "stand");
+    EXPECT_EQ(IntField(r.state, "hero", "direction"), 3);
+    EXPECT_EQ(IntField(r.state, "hero", "mp"), 50);  // fewer than 40 running steps
+    EXPECT_EQ(IntField(r.state, "camera", "x"), x - 320);
+    ASSERT_TRUE(fs::exists(shot));
+    EXPECT_GT(fs::file_size(shot), 20000u);  // a drawn village, not a black frame
+}
+
+TEST(WorldE2E, WalkingIntoAnExitLoadsTheOtherMap) {
+    // Start near Ashvale's east gate and hold the button down-right, onto the exit.
+    const std::string replay =
+        "32 lup 320 240\n"
+        "34 ldown 448 304\n"
+        "60 lup 448 304\n";
+    const fs::path shot = ShotDir() / "world_greywood.png";
+    fs::remove(shot);
+    const SRun r = RunGame("exit", "main.map:46:23", 110, replay, "--shot 105:" + shot.string());
+    ASSERT_TRUE(r.ok) << r.output;
+    EXPECT_EQ(Field(r.state, "", "map"), "greywood.map") << r.state;
+    EXPECT_EQ(Field(r.state, "", "map_name"), "Greywood");
+    EXPECT_EQ(Field(r.state, "", "mode_name"), "GS_PLAY");
+    // An exit puts the hero on the target's default start cell (5, 22), facing down.
+    EXPECT_EQ(IntField(r.state, "hero", "x"), BoxX(5, 22));
+    EXPECT_EQ(IntField(r.state, "hero", "y"), BoxY(5, 22));
+    EXPECT_EQ(IntField(r.state, "hero", "direction"), 5);
+    EXPECT_EQ(Field(r.state, "hero", "state"), "stand");
+    ASSERT_TRUE(fs::exists(shot));
+    EXPECT_GT(fs::file_size(shot), 20000u);
+}

@@ -17,7 +17,7 @@ TEST(Boot, WithoutActionPlayTheLauncherIsStartedAndNoGameRuns) {
     Result r = RunGame(dir, "ACTION=PLAY --headless", "ASHEN_LAUNCHER_LOG='" + log.string() + "' ASHEN_LAUNCHER_NOEXEC=1");
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_FALSE(fs::exists(dir / "GameEngine.log"));
-    std::string calls = ReadFile(log);
+    std::string calls = WaitForLauncherLog(log);
     EXPECT_EQ(calls.rfind("launcher []\n", 0), 0u) << calls;
     fs::remove_all(dir);
 }
@@ -39,7 +39,7 @@ TEST(Boot, SplashPicturesLeadToTheMainMenuWithSummaryAndShot) {
     EXPECT_GT(rss, 0);
     std::string json = ReadFile(state);
     EXPECT_EQ(JsonInt(json, "mode"), 2) << json;  // GS_MAINMENU
-    EXPECT_EQ(ReadFile(log), "launcher [time=end]\n");
+    EXPECT_EQ(WaitForLauncherLog(log), "launcher [time=end]\n");
     std::string engineLog = ReadFile(dir / "GameEngine.log");
     EXPECT_EQ(engineLog.rfind("\t\t..::Game Log::..\r\n", 0), 0u);
     EXPECT_NE(engineLog.find("(2011/3/1  28:30:"), std::string::npos);
@@ -77,7 +77,7 @@ TEST(Boot, MissingLayoutFailsStartUpWithItsMessagesAndCallsTheLauncher) {
     ASSERT_NE(a, std::string::npos) << r.err;
     ASSERT_NE(b, std::string::npos) << r.err;
     EXPECT_LT(a, b);
-    EXPECT_EQ(ReadFile(log), "launcher [time=end]\n");
+    EXPECT_EQ(WaitForLauncherLog(log), "launcher [time=end]\n");
     fs::remove_all(dir);
 }
 

@@ -50,6 +50,17 @@ inline fs::path CopyGame(const std::string& name) {
     return dst;
 }
 
+// The launcher runs on its own after the game ends: waits until it has left its
+// line in the log (or a few seconds passed) and returns the log.
+inline std::string WaitForLauncherLog(const fs::path& log) {
+    for (int i = 0; i < 100; ++i) {
+        std::string text = ReadFile(log);
+        if (!text.empty() && text.back() == '\n') return text;
+        usleep(50000);
+    }
+    return ReadFile(log);
+}
+
 struct Result {
     int exitCode = -1;
     int signal = 0;

@@ -13,7 +13,8 @@
 
 namespace {
 
-constexpr size_t kMaxPath = 4096;  // longer paths only come from damaged directories
+constexpr size_t kMaxPath = 4096;            // longer paths only come from damaged directories
+constexpr uint32_t kMaxEntry = 256u << 20;   // no game file comes near this
 
 uint32_t Le32(const uint8_t* p) { return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24; }
 
@@ -157,6 +158,14 @@ bool CVRN_File::Load(SSource& src, const char* displayName) {
             node->kind = rec[12];
             node->compressed = rec[13];
             node->nameLength = nameLen;
+            if (!node->IsDir()) {
+                // Sizes no reader could fill are refused here, before any
+                // caller allocates GetSize bytes for them.
+                if (node->fullSize > kMaxEntry) return damaged("entry size");
+                if (!node->compressed && node->size != node->fullSize) return damaged("stored size");
+                if (node->compressed && uint64_t(node->fullSize) > uint64_t(node->size / 2) * kVrnChunkOutput)
+                    return damaged("chunk count");
+            }
             SVrnNode* raw = node.get();
             if (node->IsDir()) queue.emplace_back(node->size, raw);
             auto key = node->path;

@@ -276,6 +276,7 @@ TEST(Vrn, MessagesAndDamagedArchives) {
     ASSERT_TRUE(m.OpenMemory(good.data(), good.size(), "good"));
     ASSERT_TRUE(m.FindEntry("d\\a.bmp"));
     const SVrnNode* n = m.Current();
+    const uint32_t aStored = n->size;  // n dies with the next open
     ASSERT_EQ(n->compressed, 1);
     const size_t at = m.DataBase() + n->offset;
     Bytes bad = good;
@@ -301,13 +302,20 @@ TEST(Vrn, MessagesAndDamagedArchives) {
     EXPECT_FALSE(m.Read(bigger.data(), 0));
     log = restest::ReadText("GameEngine.log");
     EXPECT_EQ(restest::CountLines(log, "damaged compressed data"), 3);
-    // A stored entry whose stored and full sizes differ.
+    // Sizes no read could fill make the directory damaged: a stored entry
+    // whose sizes differ, chunks too few for the full size, a huge entry.
     bad = good;
     Set32(bad, 12 + 4, 1000);  // b.txt full size
-    ASSERT_TRUE(m.OpenMemory(bad.data(), bad.size(), "bad"));
-    ASSERT_TRUE(m.FindEntry("b.txt"));
-    Bytes kb(1000, 0);
-    EXPECT_FALSE(m.Read(kb.data(), 0));
+    EXPECT_FALSE(m.OpenMemory(bad.data(), bad.size(), "bad"));
+    bad = good;
+    Set32(bad, rec3 + 4, (aStored / 2) * 49152 + 1);
+    EXPECT_FALSE(m.OpenMemory(bad.data(), bad.size(), "bad"));
+    Set32(bad, rec3 + 4, (aStored / 2) * 49152);
+    EXPECT_TRUE(m.OpenMemory(bad.data(), bad.size(), "bad"));
+    bad = good;
+    Set32(bad, 12 + 4, 0x7FFFFFFF);
+    Set32(bad, 12 + 0, 0x7FFFFFFF);
+    EXPECT_FALSE(m.OpenMemory(bad.data(), bad.size(), "bad"));
 }
 
 // The archive read back by a reader written from the format alone, in Python.

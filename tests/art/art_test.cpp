@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <algorithm>
 #include <map>
 #include <regex>
 #include <set>
@@ -16,6 +17,7 @@
 #include <vector>
 
 #include "media/cursor_ani.h"
+#include "resources/bmp.h"
 #include "resources/ini.h"
 #include "shell/gbk.h"
 
@@ -167,11 +169,14 @@ TEST_F(ArtOutput, EveryPictureOfTheAssetTableExistsWithItsSizeAndKeyRules) {
             EXPECT_EQ(near, 0u) << p << " has colours next to the key";
             size_t all = size_t(b.w) * b.h;
             bool fullScreen = b.w == 640 && b.h == 480;
-            if (fullScreen || n.rfind("ic_", 0) == 0 || n.find("_bg") != std::string::npos && n != "hud_bg.bmp")
+            if (fullScreen || n.rfind("ic_", 0) == 0 || (n.find("_bg") != std::string::npos && n != "hud_bg.bmp")) {
                 EXPECT_EQ(keyed, 0u) << p << " must be opaque";
+            }
             if (pack == "items" || (pack == "skill" && n.rfind("ic_", 0) != 0)) {
                 EXPECT_TRUE(b.Key(0, 0) && b.Key(b.w - 1, b.h - 1)) << p << " corners must be transparent";
-                if (pack == "items") EXPECT_GT(all - keyed, all / 16) << p << " is nearly empty";
+                if (pack == "items") {
+                    EXPECT_GT(all - keyed, all / 16) << p << " is nearly empty";
+                }
             }
         }
     // The HUD is keyed above its frame and solid along the bottom.
@@ -187,7 +192,9 @@ TEST_F(ArtOutput, TilesIniIsGbkCrLfAndNamesEveryDiamond) {
     std::string text(raw.begin(), raw.end());
     ASSERT_FALSE(text.empty());
     for (size_t i = 0; i < text.size(); ++i)
-        if (text[i] == '\n') ASSERT_TRUE(i > 0 && text[i - 1] == '\r') << "bare LF at " << i;
+        if (text[i] == '\n') {
+            ASSERT_TRUE(i > 0 && text[i - 1] == '\r') << "bare LF at " << i;
+        }
     EXPECT_NE(text.find(Utf8ToGbk("前缀") + "="), std::string::npos);
     EXPECT_EQ(text.find("前缀"), std::string::npos) << "keys must be GBK, not UTF-8";
     CIni ini;
@@ -389,7 +396,9 @@ TEST_F(ArtOutput, ObjectSheetAndManifestAgree) {
         for (int x = 0; x < 2048; x += 3) {
             bool inside = false;
             for (const R& r : rects) inside |= x >= r.x && y >= r.y && x < r.x + r.w && y < r.y + r.h;
-            if (!inside) ASSERT_TRUE(sheet.Key(x, y)) << x << "," << y;
+            if (!inside) {
+                ASSERT_TRUE(sheet.Key(x, y)) << x << "," << y;
+            }
         }
 }
 
@@ -454,6 +463,109 @@ TEST_F(ArtOutput, HudAndPackManifestsPointAtPaintedSlots) {
         ++seen;
     }
     EXPECT_EQ(seen, 3);
+}
+
+TEST_F(ArtOutput, KeyPixelsAndOnlyKeyPixelsBecomeTransparentInTheEngine) {
+    // Every picture goes through the engine's decoder into 5-6-5 pixels, where the
+    // surfaces' colour key is 0xF81F: exactly the magenta pixels may land on it.
+    size_t checked = 0;
+    for (auto& e : fs::recursive_directory_iterator(stage)) {
+        if (!e.is_regular_file() || e.path().extension() != ".bmp") continue;
+        std::vector<uint8_t> raw = ReadAll(e.path());
+        Bmp b;
+        std::string why;
+        ASSERT_TRUE(ReadBmp(e.path(), b, why)) << e.path() << ": " << why;
+        std::vector<uint16_t> px(size_t(b.w) * b.h, 0);
+        ASSERT_TRUE(BmpDecodeTo565(raw.data(), raw.size(), px.data(), b.w, b.h, b.w, 0, 0)) << e.path();
+        size_t mismatched = 0;
+        for (int y = 0; y < b.h; ++y)
+            for (int x = 0; x < b.w; ++x) {
+                const uint8_t* c = &b.rgb[(size_t(y) * b.w + x) * 3];
+                bool key565 = px[size_t(y) * b.w + x] == 0xF81F;
+                bool key555 = ((c[0] >> 3) << 10 | (c[1] >> 3) << 5 | c[2] >> 3) == 0x7C1F;
+                mismatched += key565 != b.Key(x, y) || key555 != b.Key(x, y);
+            }
+        EXPECT_EQ(mismatched, 0u) << e.path();
+        ++checked;
+    }
+    EXPECT_GT(checked, 300u);
+}
+
+TEST_F(ArtOutput, VariantsAndFramesAreReallyDifferent) {
+    // Pictures that should vary must not be copies of each other: ground variants,
+    // water (which must look alive), and the eight frames of every strike.
+    auto load = [&](const fs::path& p) {
+        Bmp b;
+        std::string why;
+        EXPECT_TRUE(ReadBmp(p, b, why)) << p << ": " << why;
+        return b;
+    };
+    auto differing = [](const Bmp& a, const Bmp& b) {
+        size_t n = 0;
+        for (size_t i = 0; i < a.rgb.size(); i += 3)
+            n += std::abs(a.rgb[i] - b.rgb[i]) + std::abs(a.rgb[i + 1] - b.rgb[i + 1]) + std::abs(a.rgb[i + 2] - b.rgb[i + 2]) > 24;
+        return n;
+    };
+    for (int t = 1; t <= 10; ++t) {
+        std::vector<Bmp> v;
+        std::vector<fs::path> names;
+        for (auto& e : fs::directory_iterator(stage / "tiles" / std::to_string(t))) names.push_back(e.path());
+        std::sort(names.begin(), names.end());
+        for (auto& n : names) v.push_back(load(n));
+        for (size_t i = 0; i < v.size(); ++i)
+            for (size_t j = i + 1; j < v.size(); ++j)
+                EXPECT_GT(differing(v[i], v[j]), t == 5 ? 40u : 8u) << names[i] << " vs " << names[j];
+    }
+    const char* strikes[] = {"strike", "cleave", "lunge", "ward", "lash", "bash", "bite", "claw", "sweep"};
+    for (const char* s : strikes) {
+        size_t nonEmpty = 0;
+        Bmp prev;
+        for (int f = 0; f < 8; ++f) {
+            Bmp b = load(stage / "skill" / (std::string(s) + "_" + std::to_string(f) + ".bmp"));
+            size_t ink = 0;
+            for (int y = 0; y < b.h; ++y)
+                for (int x = 0; x < b.w; ++x) ink += !b.Key(x, y);
+            nonEmpty += ink > 20;
+            if (f > 0) {
+                EXPECT_GT(differing(prev, b), 10u) << s << " frame " << f << " repeats the previous one";
+            }
+            prev = b;
+        }
+        EXPECT_GE(nonEmpty, 6u) << s;
+    }
+}
+
+TEST_F(ArtOutput, EveryHudRectangleLiesOnThePaintedFrame) {
+    Bmp hud;
+    std::string why;
+    ASSERT_TRUE(ReadBmp(stage / "ui/hud_bg.bmp", hud, why)) << why;
+    std::ifstream in(stage / "manifest/hud.txt");
+    std::string line;
+    int rects = 0;
+    std::regex rx(R"(^(\w+) x=(-?\d+) y=(-?\d+) w=(\d+) h=(\d+))");
+    while (std::getline(in, line)) {
+        std::smatch m;
+        if (!std::regex_search(line, m, rx) || m[1] == "panel") continue;
+        int x = std::stoi(m[2]), y = std::stoi(m[3]), w = std::stoi(m[4]), h = std::stoi(m[5]);
+        ASSERT_TRUE(x >= 0 && y >= 0 && x + w <= 640 && y + h <= 100) << line;
+        for (int yy = y; yy < y + h; ++yy)
+            for (int xx = x; xx < x + w; ++xx) ASSERT_FALSE(hud.Key(xx, yy)) << line;
+        ++rects;
+    }
+    EXPECT_EQ(rects, 11) << "three bars, the skill slot, five buttons, two labels";
+    // The equipment slots named by the weaponButtons line.
+    std::ifstream again(stage / "manifest/hud.txt");
+    std::string all((std::istreambuf_iterator<char>(again)), std::istreambuf_iterator<char>());
+    std::smatch m;
+    std::regex eq(R"(WuX=(\d+) WuY=(\d+) JiaX=(\d+) JiaY=(\d+) Shi1X=(\d+) Shi1Y=(\d+) Shi2X=(\d+) Shi2Y=(\d+))");
+    ASSERT_TRUE(std::regex_search(all, m, eq));
+    for (int k = 0; k < 4; ++k) {
+        int x = std::stoi(m[1 + 2 * k]), y = std::stoi(m[2 + 2 * k]);
+        ASSERT_LE(x + 32, 640);
+        ASSERT_LE(y + 32, 100);
+        for (int yy = y; yy < y + 32; ++yy)
+            for (int xx = x; xx < x + 32; ++xx) ASSERT_FALSE(hud.Key(xx, yy));
+    }
 }
 
 TEST(ArtGenerator, SameBytesOnEveryRunAndFailuresAreReported) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "../../tools/rolegen/role_desc.h"
+#include "characters/role.h"
 
 namespace fs = std::filesystem;
 using namespace rolefile;
@@ -358,4 +359,26 @@ TEST(RoleOutput, GeneratorReportsFaultyRecipesWithFileAndLine) {
     EXPECT_FALSE(fs::exists(tmp / "stage/face/b.bmp"));
     EXPECT_FALSE(fs::exists(tmp / "stage/role/broken"));
     fs::remove_all(tmp);
+}
+
+TEST(RoleOutput, EngineReaderAcceptsEveryGeneratedRoleFile) {
+    for (const auto& d : Looks()) {
+        SCOPED_TRACE(d.look);
+        SRoleFileHeader header{};
+        std::vector<SRoleAction> actions;
+        std::vector<SRoleFrame> frames;
+        ASSERT_TRUE(ReadRoleFile((Stage() / "loose/data" / d.file).c_str(), header, actions, frames));
+        EXPECT_EQ(header.magic, ROLE_FILE_MAGIC);
+        ASSERT_EQ(actions.size(), d.actions.size());
+        ASSERT_EQ(frames.size(), static_cast<size_t>(d.FrameCount()));
+        for (size_t a = 0; a < actions.size(); ++a) {
+            EXPECT_STREQ(actions[a].name, d.actions[a].name.c_str());
+            EXPECT_EQ(actions[a].framesPerDir, d.actions[a].frames);
+            // Last step of the last direction: the end of the action's block.
+            int last = actions[a].firstFrame + 7 * actions[a].framesPerDir + actions[a].framesPerDir - 1;
+            EXPECT_STREQ(frames[static_cast<size_t>(last)].bitmap, d.FrameName(a, 8, d.actions[a].frames - 1).c_str());
+            EXPECT_EQ(frames[static_cast<size_t>(last)].width, d.width);
+            EXPECT_EQ(frames[static_cast<size_t>(last)].height, d.height);
+        }
+    }
 }

@@ -337,6 +337,10 @@ ObjDef House(const char* name, bool stone, uint32_t seed) {
     for (int i = 0; i < int(U); ++i)
         for (int j = 0; j < int(V); ++j) o.block.push_back({i, j});
     o.ground.push_back({1, int(V)});  // doorstep in front of the door
+    // The front row of the footprint holds the foot of the front walls: on the ground
+    // layer, so people walking past in front are drawn over it.
+    for (int i = 0; i < int(U); ++i) o.ground.push_back({i, int(V) - 1});
+    for (int j = 0; j < int(V) - 1; ++j) o.ground.push_back({int(U) - 1, j});
     o.walk.push_back({1, int(V)});
     Img& im = o.im;
     Col wallC = stone ? Hex(0x9A9388) : Hex(0xD0C29F);
@@ -445,7 +449,7 @@ ObjDef House(const char* name, bool stone, uint32_t seed) {
 // ---------------------------------------------------------------- small builds
 
 ObjDef Fence(bool alongV) {
-    ObjDef o{alongV ? "fence_v" : "fence_u", Img(72, 64), 4, 28, {{0, 0}}, {}, {}};
+    ObjDef o{alongV ? "fence_v" : "fence_u", Img(72, 64), 4, 28, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     auto P = [&](float a, float b, float z) { return alongV ? V3{b, a, z} : V3{a, b, z}; };
     Col wood = Hex(0x7A5C3E);
@@ -464,7 +468,7 @@ ObjDef Fence(bool alongV) {
 }
 
 ObjDef StoneWall(bool alongV) {
-    ObjDef o{alongV ? "wall_v" : "wall_u", Img(76, 84), 6, 46, {{0, 0}}, {}, {}};
+    ObjDef o{alongV ? "wall_v" : "wall_u", Img(76, 84), 6, 46, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     const float H = 34, a0 = 0, a1 = 1, b0 = 0.32f, b1 = 0.68f;
     Col st = Hex(0x8E887C);
@@ -574,7 +578,7 @@ void Crate(Img& im, const Iso& iso, V3 o, float size, float h, uint32_t seed) {
 }
 
 ObjDef Barrels(uint32_t seed) {
-    ObjDef o{"barrels", Img(84, 70), 10, 36, {{0, 0}}, {}, {}};
+    ObjDef o{"barrels", Img(84, 70), 10, 36, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     Shadow(o.im, iso.X({0.5f, 0.5f, 0}) + 4, iso.Y({0.5f, 0.5f, 0}) + 2, 26, 9);
     Barrel(o.im, iso, 0.3f, 0.35f, seed);
@@ -584,7 +588,7 @@ ObjDef Barrels(uint32_t seed) {
 }
 
 ObjDef Crates(uint32_t seed) {
-    ObjDef o{"crates", Img(84, 80), 10, 44, {{0, 0}}, {}, {}};
+    ObjDef o{"crates", Img(84, 80), 10, 44, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     Shadow(o.im, iso.X({0.5f, 0.5f, 0}) + 4, iso.Y({0.5f, 0.5f, 0}) + 2, 28, 9);
     Crate(o.im, iso, {0.1f, 0.1f, 0}, 0.5f, 18, seed);
@@ -594,7 +598,7 @@ ObjDef Crates(uint32_t seed) {
 }
 
 ObjDef Signpost(uint32_t seed) {
-    ObjDef o{"signpost", Img(72, 96), 4, 62, {{0, 0}}, {}, {}};
+    ObjDef o{"signpost", Img(72, 96), 4, 62, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
     Shadow(o.im, cx + 4, cy + 1, 10, 4);
@@ -617,7 +621,7 @@ ObjDef Signpost(uint32_t seed) {
 }
 
 ObjDef Stall(uint32_t seed) {
-    ObjDef o{"stall", Img(150, 120), 43, 50, {{0, 0}, {1, 0}}, {}, {}};
+    ObjDef o{"stall", Img(150, 120), 43, 50, {{0, 0}, {1, 0}}, {{0, 0}, {1, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     const float U = 2, V = 1;
     Col wood = Hex(0x7A5A3A);
@@ -761,7 +765,7 @@ ObjDef CaveMouth(uint32_t seed) {
 
 // A broken wall of the burned keep: tall stone, jagged top, soot streaks.
 ObjDef Ruin(uint32_t seed) {
-    ObjDef o{"ruin", Img(150, 170), 43, 110, {{0, 0}, {1, 0}}, {}, {}};
+    ObjDef o{"ruin", Img(150, 170), 43, 110, {{0, 0}, {1, 0}}, {{0, 0}, {1, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     const float U = 2, b0 = 0.3f, b1 = 0.7f;
     auto top = [&](float s) { return 70 + 40 * VNoise(s * 6, 0.5f, seed) - 30 * std::fabs(s - 0.35f); };
@@ -792,7 +796,7 @@ ObjDef Ruin(uint32_t seed) {
 }
 
 ObjDef Stump(uint32_t seed) {
-    ObjDef o{"stump", Img(72, 56), 4, 22, {{0, 0}}, {}, {}};
+    ObjDef o{"stump", Img(72, 56), 4, 22, {{0, 0}}, {{0, 0}}, {}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
     Shadow(o.im, cx + 4, cy + 2, 15, 6);

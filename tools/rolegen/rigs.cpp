@@ -427,7 +427,9 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
         out.push_back(Ell(torso.P({0, 12, 2.0}), torso.r, {6.4, 4.6, 3.6}, m.plate));  // breastplate
         out.push_back(Cone(pelvis.P({0, 2, 0}), pelvis.P({0, -9, 0}), 7.4, 8.8, m.plate));  // tassets
         if (g.embers) {
-            out.push_back(Ell(torso.P({0, 9.5, 4.6}), torso.r, {1.6, 3.2, 1.0}, m.ember));
+            out.push_back(Ell(torso.P({0, 9.5, 4.6}), torso.r, {2.0, 3.8, 1.1}, m.ember));
+            out.push_back(Box(torso.P({-2.2, 11.5, 5.0}), torso.r * RotZ(0.7), {0.45, 2.4, 0.6}, m.ember));
+            out.push_back(Box(torso.P({2.0, 7.2, 5.0}), torso.r * RotZ(-0.5), {0.45, 2.0, 0.6}, m.ember));
             out.push_back(Ell(torso.P({-3.2, 13.4, 5.0}), torso.r, {1.0, 0.8, 0.8}, m.ember));
             out.push_back(Ell(torso.P({3.0, 5.5, 4.5}), torso.r, {0.9, 1.2, 0.8}, m.ember));
             out.push_back(Ell(torso.P({0, 0.7, 4.9}), torso.r, {1.8, 0.8, 0.8}, m.ember));
@@ -502,8 +504,8 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
         for (int s = -1; s <= 1; s += 2) {
             if (detail) {
                 out.push_back(Ell(head.P({s * 2.2, 5.5, 5.0}), head.r, {1.25, 0.85, 0.7}, m.white));
-                out.push_back(Ell(head.P({s * 2.1, 5.5, 5.45}), head.r, {0.6, 0.72, 0.5}, m.eyes));
-                out.push_back(Box(head.P({s * 2.3, 7.0, 5.0}), head.r * RotZ(s * -0.12), {1.5, 0.32, 0.6}, m.hair));
+                out.push_back(Ell(head.P({s * 2.15, 5.6, 5.45}), head.r, {0.6, 0.72, 0.5}, m.eyes));
+                out.push_back(Box(head.P({s * 2.3, 7.1, 5.0}), head.r * RotZ(s * 0.07), {1.5, 0.32, 0.6}, m.hair));
             } else {
                 out.push_back(Ell(head.P({s * 2.2, 5.4, 5.3}), head.r, {0.85, 1.05, 0.6}, m.eyes));
             }

@@ -87,7 +87,7 @@
    <property name="name" value="cottage"/>
    <property name="anchor" value="51,140"/>
    <property name="block" value="0,0;0,1;1,0;1,1;2,0;2,1"/>
-   <property name="ground" value="1,2"/>
+   <property name="ground" value="1,2;0,1;1,1;2,1;2,0"/>
   </properties>
   <image source="objects/cottage.png" width="240" height="230"/>
  </tile>
@@ -96,7 +96,7 @@
    <property name="name" value="stonehouse"/>
    <property name="anchor" value="51,140"/>
    <property name="block" value="0,0;0,1;1,0;1,1;2,0;2,1"/>
-   <property name="ground" value="1,2"/>
+   <property name="ground" value="1,2;0,1;1,1;2,1;2,0"/>
   </properties>
   <image source="objects/stonehouse.png" width="240" height="230"/>
  </tile>
@@ -105,7 +105,7 @@
    <property name="name" value="fence_u"/>
    <property name="anchor" value="4,28"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/fence_u.png" width="72" height="64"/>
  </tile>
@@ -114,7 +114,7 @@
    <property name="name" value="fence_v"/>
    <property name="anchor" value="4,28"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/fence_v.png" width="72" height="64"/>
  </tile>
@@ -123,7 +123,7 @@
    <property name="name" value="wall_u"/>
    <property name="anchor" value="6,46"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/wall_u.png" width="76" height="84"/>
  </tile>
@@ -132,7 +132,7 @@
    <property name="name" value="wall_v"/>
    <property name="anchor" value="6,46"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/wall_v.png" width="76" height="84"/>
  </tile>
@@ -150,7 +150,7 @@
    <property name="name" value="barrels"/>
    <property name="anchor" value="10,36"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/barrels.png" width="84" height="70"/>
  </tile>
@@ -159,7 +159,7 @@
    <property name="name" value="crates"/>
    <property name="anchor" value="10,44"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/crates.png" width="84" height="80"/>
  </tile>
@@ -168,7 +168,7 @@
    <property name="name" value="signpost"/>
    <property name="anchor" value="4,62"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/signpost.png" width="72" height="96"/>
  </tile>
@@ -177,7 +177,7 @@
    <property name="name" value="stall"/>
    <property name="anchor" value="43,50"/>
    <property name="block" value="0,0;1,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0;1,0"/>
   </properties>
   <image source="objects/stall.png" width="150" height="120"/>
  </tile>
@@ -213,7 +213,7 @@
    <property name="name" value="ruin"/>
    <property name="anchor" value="43,110"/>
    <property name="block" value="0,0;1,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0;1,0"/>
   </properties>
   <image source="objects/ruin.png" width="150" height="170"/>
  </tile>
@@ -222,7 +222,7 @@
    <property name="name" value="stump"/>
    <property name="anchor" value="4,22"/>
    <property name="block" value="0,0"/>
-   <property name="ground" value=""/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/stump.png" width="72" height="56"/>
  </tile>

@@ -212,8 +212,30 @@ TEST(AudioSfx, RendersNormalisedEffectsWithSilentTails) {
   s.seed = 4;
   EXPECT_NE(SfxToWav(s, 2048), wav);
 
+  // Loudness levelling: a lone click and a long tone reach the same short-term level;
+  // the click's peak is held under the ceiling by the soft knee.
+  ASSERT_TRUE(ParseText("peak_db = -3\nloudness_db = -14\n[layer]\nwave = sine\nfreq = 300\nhold = 0.3\n"
+                        "decay = 0.1\n",
+                        r, err));
+  ASSERT_TRUE(ReadSfxRecipe(r, s, err)) << err;
+  std::vector<double> tone = RenderSfx(s);
+  ASSERT_TRUE(ParseText("peak_db = -3\nloudness_db = -14\n[layer]\nwave = noise\nhp = 3000\ndecay = 0.004\n"
+                        "[layer]\nwave = sine\nat = 0.2\nfreq = 200\ndecay = 0.3\ngain = 0.05\n",
+                        r, err));
+  ASSERT_TRUE(ReadSfxRecipe(r, s, err)) << err;
+  std::vector<double> click = RenderSfx(s);
+  EXPECT_NEAR(20 * std::log10(ShortTermRms(tone, 44100)), -14, 0.3);
+  double clickPeak = 0;
+  for (double v : click) clickPeak = std::max(clickPeak, std::fabs(v));
+  EXPECT_LT(clickPeak, DbToGain(-3));
+  EXPECT_GT(clickPeak, DbToGain(-3) * 0.6);  // pushed into the knee, not left quiet
+  EXPECT_GT(20 * std::log10(ShortTermRms(click, 44100)), -24);
+  std::vector<double> shortOne(100, 0.5);
+  EXPECT_NEAR(ShortTermRms(shortOne, 44100), 0.5, 1e-9);  // shorter than the window
+
   // Values outside their ranges are refused with the line of the layer.
   const char* bad[] = {"[layer]\nwave = pluck\nfreq = 5\n",       "[layer]\ndecay = 0\n",
+                       "loudness_db = 3\n[layer]\n",               "peak_db = 0\n[layer]\n",
                        "[layer]\nrepeat = 0\n",                    "[layer]\nwave = hum\n",
                        "room = 1.5\n[layer]\n",                    "[lyr]\n",
                        "[layer]\nfreq = 30000\n",                  "seed = 2\n"};

@@ -171,10 +171,15 @@ bool ReadSfxRecipe(const Recipe& recipe, SfxRecipe& out, std::string& error) {
       out.room = r.Number("room", 0.7);
       out.damp = r.Number("damp", 0.4);
       out.peakDb = r.Number("peak_db", -3);
+      out.loudnessDb = r.Number("loudness_db", 0);
       out.tail = r.Number("tail", 0.05);
       out.seed = static_cast<uint64_t>(r.Int("seed", 1));
       if (out.rate < 8000 || out.rate > 96000) {
         error = recipe.source + ": rate out of range";
+        return false;
+      }
+      if (out.peakDb > -0.5 || out.peakDb < -30 || out.loudnessDb > 0 || out.loudnessDb < -40) {
+        error = recipe.source + ": peak_db or loudness_db out of range";
         return false;
       }
       if (out.room < 0 || out.room > 0.98 || out.reverb < 0 || out.reverb > 2 || out.tail < 0 ||
@@ -289,14 +294,46 @@ std::vector<double> RenderSfx(const SfxRecipe& recipe) {
     s -= mean;
     peak = std::fmax(peak, std::fabs(s));
   }
-  const double g = DbToGain(recipe.peakDb) / peak;
-  for (double& s : dry) s *= g;
+  const double ceiling = DbToGain(recipe.peakDb);
+  if (recipe.loudnessDb < 0) {
+    // Loudness levelling: effects of very different shapes (a sharp crack, a dense
+    // shower of coins) come out equally loud. Transients pushed over the ceiling are
+    // rounded off by a soft knee, at most 6 dB of it.
+    double g = DbToGain(recipe.loudnessDb) / std::fmax(ShortTermRms(dry, recipe.rate), 1e-9);
+    g = std::fmin(g, 2.0 * ceiling / peak);
+    const double knee = 0.6 * ceiling, room = ceiling - knee;
+    for (double& s : dry) {
+      double a = std::fabs(s * g);
+      if (a > knee) a = knee + room * std::tanh((a - knee) / room);
+      s = s < 0 ? -a : a;
+    }
+  } else {
+    const double g = ceiling / peak;
+    for (double& s : dry) s *= g;
+  }
   // A short fade in and a longer fade out keep both ends free of clicks.
   size_t fadeIn = std::min<size_t>(dry.size(), recipe.rate / 2000 + 1);
   for (size_t i = 0; i < fadeIn; ++i) dry[i] *= static_cast<double>(i) / fadeIn;
   size_t fadeOut = std::min<size_t>(dry.size(), recipe.rate / 50);
   for (size_t i = 0; i < fadeOut; ++i) dry[dry.size() - 1 - i] *= static_cast<double>(i) / fadeOut;
   return dry;
+}
+
+double ShortTermRms(const std::vector<double>& s, int rate) {
+  const size_t win = static_cast<size_t>(rate / 20);
+  if (s.empty()) return 0;
+  if (s.size() <= win) {
+    double e = 0;
+    for (double v : s) e += v * v;
+    return std::sqrt(e / s.size());
+  }
+  double e = 0, best = 0;
+  for (size_t i = 0; i < s.size(); ++i) {
+    e += s[i] * s[i];
+    if (i >= win) e -= s[i - win] * s[i - win];
+    if (i + 1 >= win) best = std::fmax(best, e);
+  }
+  return std::sqrt(std::fmax(best, 0.0) / win);
 }
 
 std::vector<uint8_t> SfxToWav(const SfxRecipe& recipe, int silenceBytes) {

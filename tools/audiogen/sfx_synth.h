@@ -37,7 +37,8 @@ struct SfxLayer {
 struct SfxRecipe {
   int rate = 44100;
   double reverb = 0, room = 0.7, damp = 0.4;
-  double peakDb = -3;
+  double peakDb = -3;       // peak level, or the ceiling when a loudness is asked for
+  double loudnessDb = 0;    // < 0: loudest 50 ms of the effect brought to this RMS level
   double tail = 0.05;
   uint64_t seed = 1;
   std::vector<SfxLayer> layers;
@@ -47,6 +48,9 @@ struct SfxRecipe {
 bool ReadSfxRecipe(const Recipe& recipe, SfxRecipe& out, std::string& error);
 
 // Renders to samples in [-1, 1] (no trailing silence).
+// Loudest 50 ms window of a signal as RMS (a short-term loudness).
+double ShortTermRms(const std::vector<double>& s, int rate);
+
 std::vector<double> RenderSfx(const SfxRecipe& recipe);
 
 // The effect file: normalised audio, a short fade, then `silenceBytes` of zero samples.

@@ -86,10 +86,22 @@ void BM_PlayFrame31Roles(benchmark::State& state) {
         roles.emplace_back(new CRole("villager_m.rol", "npc", 1300 + (k % 6) * 80, 620 + (k / 6) * 80, 5, 50, 0));
         roles.back()->m_nNpcId = k + 1;
     }
-    auto keepWalking = [&roles](size_t i) {
+    // Each role paces between two points around its home, so all stay in view.
+    std::vector<SPoint> home;
+    std::vector<int> leg(roles.size(), 0);
+    for (auto& r : roles) home.push_back(SPoint{r->m_x, r->m_y});
+    auto keepWalking = [&](size_t i) {
         CRole& r = *roles[i];
-        if (std::strcmp(r.GetState(), "walk") != 0 && std::strcmp(r.GetState(), "run") != 0)
-            r.WalkTo(r.m_x + ((i % 2) ? 300 : -300), r.m_y + ((i % 3) ? 150 : -150), i == 0 ? "run" : "walk");
+        // A blocked NPC wanders off; bring it back so the draw list stays in view.
+        if (std::abs(r.m_x - home[i].x) > 150 || std::abs(r.m_y - home[i].y) > 150) {
+            r.SetPosition(home[i].x, home[i].y, 5);
+            r.Stand();
+        }
+        if (std::strcmp(r.GetState(), "walk") != 0 && std::strcmp(r.GetState(), "run") != 0) {
+            leg[i] ^= 1;
+            const int d = leg[i] ? 60 : -60;
+            r.WalkTo(home[i].x + d, home[i].y + d / 2, i == 0 ? "run" : "walk");
+        }
     };
     CSurface* layer = w.graph.GetSurface(SURF_ROLE);
     for (auto _ : state) {

@@ -201,7 +201,7 @@ def ashvale():
         for b in range(21, 30):
             if abs(a - 25) + abs(b - 25) <= 5:
                 m.paint(a, b, 3)
-    for a in range(29, N + 1):
+    for a in range(27, N + 1):
         for b in (22, 23):
             m.paint(a, b, 2)
     for b in range(29, 41):

@@ -121,7 +121,7 @@ void Strike(Img& im, int skill, float t, const SkillDef& s) {
             if (f > 0.05f)
                 Paint(im, 0, 0, 64, 64, [&](float x, float y) {
                     float a = std::atan2(y - cy, x - cx);
-                    float spikes = 0.55f + 0.45f * std::fabs(std::cos(a * 4));
+                    float spikes = 0.45f + 0.55f * std::pow(std::fabs(std::cos(a * 4)), 3.f);
                     return std::hypot(x - cx, (y - cy) * 1.2f) - (4 + 14 * f) * spikes;
                 }, [&](float, float, float d) { return Mix(s.cool, s.hot, Clamp01(-d / 4)); });
             if (t > 0.3f && fade > 0.05f) {
@@ -130,19 +130,23 @@ void Strike(Img& im, int skill, float t, const SkillDef& s) {
             }
             break;
         }
-        case 6: {  // bite: jaws snapping shut
-            float close = Smooth(0.f, 0.5f, t), open = 14 * (1 - close) + 2;
+        case 6: {  // bite: two curved jaws of fangs snapping shut
+            float close = Smooth(0.f, 0.5f, t), open = 15 * (1 - close) + 3;
             if (fade > 0.05f)
                 for (int j = -1; j <= 1; j += 2) {
                     float jy = cy + j * open;
-                    Paint(im, 8, jy - 10, 56, jy + 10, [&](float x, float y) {
-                        float base = std::fabs(y - jy) - 2.2f * fade;
-                        float tooth = std::fmod(x - 8, 8.f);
-                        float tip = j < 0 ? (y - jy) : (jy - y);
-                        float td = (tip > 0 && tip < 7 * fade && std::fabs(tooth - 4) < 3.5f * (1 - tip / (7 * fade + 0.01f))) ? -1.f : 1.f;
-                        float xin = std::max(10 - x, x - 54);
-                        return std::max(std::min(base, td), xin);
-                    }, [&](float, float, float d) { return Mix(s.cool, s.hot, Clamp01(-d)); });
+                    float ccy = jy - j * 12.f;  // the jaw bulges away from the bite
+                    float a0 = j < 0 ? -2.6f : 0.55f, a1 = j < 0 ? -0.55f : 2.6f;
+                    for (int k = 0; k < 5; ++k) {
+                        float a = a0 + (a1 - a0) * (k + 0.5f) / 5;
+                        float bx = cx + std::cos(a) * 18, by = ccy + std::sin(a) * 18 * 0.7f;
+                        float len = (k == 0 || k == 4 ? 9.f : 6.f) * fade;
+                        float tipY = by - j * len;
+                        Poly(im, {bx - 2.6f, by, bx + 2.6f, by, bx, tipY},
+                             [&](float, float y) { return Mix(s.hot, s.cool, Clamp01(std::fabs(y - by) / (len + 0.1f) * 0.6f)); },
+                             Shade(s.cool, 0.5f), 0.8f);
+                    }
+                    ArcBand(im, cx, ccy, 18, 0.7f, a0 - 0.15f, a1 + 0.15f, 2.6f * fade + 0.5f, Shade(s.cool, 1.1f), Shade(s.cool, 0.6f));
                 }
             if (t > 0.45f) Sparks(im, cx, cy, 20, 10, (t - 0.45f) / 0.55f, s.cool, 15);
             break;
@@ -178,7 +182,7 @@ Img Icon(int skill, const SkillDef& s) {
             im.Set(x, y, Mix(Shade(s.cool, 0.45f), Hex(0x141210), Clamp01(d)));
         }
     Img fx(64, 64);
-    Strike(fx, skill, skill == 3 || skill == 8 ? 0.42f : 0.5f, s);
+    Strike(fx, skill, skill == 6 ? 0.2f : (skill == 3 || skill == 8 ? 0.42f : 0.5f), s);
     // Downscale the strike at its peak into the icon (2 x 2 box filter).
     for (int y = 0; y < 32; ++y)
         for (int x = 0; x < 32; ++x) {

@@ -442,8 +442,10 @@ void BuildHumanoid(const Desc& d, const std::string& action, int k, int n, Palet
         out.push_back(Box(torso.P({0, 3.5, -4.6}), torso.r, {5.2, 11, 0.45}, m.tabard));
         out.push_back(Ell(torso.P({0, 9, 5.1}), torso.r, {1.8, 2.2, 0.5}, m.metal));
     }
-    if (g.robe) out.push_back(Cone(pelvis.P({0, 6, 0}), pelvis.P({0, -23, 0}), 6.4, 10.2, m.shirt));
-    if (g.skirt) out.push_back(Cone(pelvis.P({0, 3, 0}), pelvis.P({0, -19.5, 0}), 6.6, 9.6, m.trousers));
+    // Long hems sway with the hips and swing out in front of the stepping leg.
+    const V3 hem{-16.0 * p.twist, 0, 2.2 * std::max(std::fabs(p.hip[0]), std::fabs(p.hip[1]))};
+    if (g.robe) out.push_back(Cone(pelvis.P({0, 6, 0}), pelvis.P(V3{0, -23, 0} + hem), 6.4, 10.2, m.shirt));
+    if (g.skirt) out.push_back(Cone(pelvis.P({0, 3, 0}), pelvis.P(V3{0, -19.5, 0} + hem), 6.6, 9.6, m.trousers));
     if (g.scarf) out.push_back(Ell(torso.P({0, 15.2, 0.3}), torso.r, {7.4, 3.0, 5.4}, m.scarf));
     if (g.satchel) {
         out.push_back(Box(pelvis.P({-6.8, 1.5, 1.0}), pelvis.r * RotY(0.15), {1.8, 3.4, 3.4}, m.satchel));

@@ -103,7 +103,6 @@ struct HPose {
     double headPitch = 0, headYaw = 0;
     double cloak = 0.1;         // cloak swing backward
     double breath = 0;          // chest rise
-    double jaw = 0;             // open jaw (quadruped use)
 };
 
 const double kThigh = 11.5, kShin = 11.5, kAnkle = 2.0;

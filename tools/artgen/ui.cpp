@@ -281,20 +281,25 @@ Img SplashDawn() {
     Ridge(im, 350, 25, 0.007f, 36, [](float x, float, float d) {
         return Mix(Hex(0x3E4A30), Hex(0x2A3420), Clamp01(d / 60 + x / 2000));
     });
-    // The river catching the dawn.
+    // The river catching the dawn: the sky's colours, ripples and dark banks.
     for (int y = 350; y < 480; ++y)
         for (int x = 0; x < 640; ++x) {
+            float depth = (y - 350) / 130.f;
             float centre = 330 + std::sin(y * 0.03f) * 60 + (y - 350) * 0.8f;
-            float w = 6 + (y - 350) * 0.5f;
+            float w = 5 + (y - 350) * 0.45f;
             float d = std::fabs(x - centre) - w;
             if (d < 0) {
-                float glint = VNoise(x / 3.f, y / 1.5f, 37);
-                im.Set(x, y, Mix(Hex(0x8A8A98), Hex(0xF0D0A0), Clamp01(glint * 0.8f + 0.1f)));
-            } else if (d < 1.5f) {
-                im.Set(x, y, Mix(im.Get(x, y), Hex(0x2A3020), 0.5f));
+                float across = std::fabs(x - centre) / w;
+                Col c = Mix(Hex(0xE8B880), Hex(0x6A6A88), Clamp01(across * 0.8f + depth * 0.5f));
+                float rip = Fbm(x / 30.f, y / 1.6f, 37, 3);
+                c = Shade(c, 0.85f + rip * 0.3f);
+                if (rip > 0.68f && across < 0.6f) c = Mix(c, Hex(0xFFF0D0), 0.6f);
+                im.Set(x, y, c);
+            } else if (d < 2.5f + depth * 3) {
+                im.Set(x, y, Mix(im.Get(x, y), Hex(0x1E2418), 0.7f));
             }
         }
-    TreeLine(im, 480, 0.5f, 60, 120, Hex(0x1A2218), 38);
+    TreeLine(im, 486, 0.35f, 30, 70, Hex(0x1A2218), 38);
     Vignette(im, 0.4f);
     return im;
 }
@@ -305,12 +310,25 @@ Img SplashRain() {
     Ridge(im, 210, 30, 0.004f, 41, [](float, float, float) { return Hex(0x3A4048); });
     TreeLine(im, 250, 1.f, 14, 30, Hex(0x2A3034), 42);
     Mist(im, 200, 280, Hex(0x5A6068), 0.6f, 43);
-    // Street: wet cobbles reflecting the windows.
-    for (int y = 300; y < 480; ++y)
+    // Street: wet cobbles growing larger towards the viewer.
+    for (int y = 300; y < 480; ++y) {
+        float depth = (y - 300) / 180.f;
+        float rowH = 3 + depth * 9;
+        float row = std::floor(std::log1p((y - 300) / 3.f) * 6.f);
+        float fy = std::fmod(std::log1p((y - 300) / 3.f) * 6.f, 1.f);
         for (int x = 0; x < 640; ++x) {
-            float n = VNoise(x / 6.f, y / 3.f, 44);
-            im.Set(x, y, Shade(Hex(0x262A2E), 0.8f + n * 0.3f + (y - 300) / 600.f));
+            float cw = 6 + depth * 16;
+            float sx = (x - 320) / cw + row * 0.5f;
+            float fx = sx - std::floor(sx);
+            float tone = Rand01(int(std::floor(sx)), int(row), 44);
+            Col c = Shade(Hex(0x2A2E34), 0.85f + tone * 0.15f + depth * 0.1f);
+            c = Mix(c, Hex(0x4A5460), Fbm(x / 60.f, y / 6.f, 45, 3) * 0.35f);
+            float edge = std::min(std::min(fx, 1 - fx) * cw, std::min(fy, 1 - fy) * rowH);
+            if (edge < 1.0f) c = Shade(c, 0.6f);
+            else if (fy < 0.3f) c = Shade(c, 1.06f);  // wet tops catch the sky
+            im.Set(x, y, c);
         }
+    }
     Cottage(im, 40, 320, 110, 70, Hex(0x2E2A28), Hex(0x1E1A1A), Hex(0xE8A050), 45);
     Cottage(im, 200, 306, 80, 55, Hex(0x34302C), Hex(0x221E1E), Hex(0xE09040), 46);
     Cottage(im, 420, 318, 120, 75, Hex(0x2C2826), Hex(0x1C1818), Hex(0xE8A858), 47);

@@ -119,6 +119,11 @@ TEST(RoleOutput, EveryLookHasFiveActionsInEightDirectionsWithFramesOnDisk) {
     const std::map<std::string, int> minimum = {{"stand", 4}, {"walk", 8}, {"run", 8}, {"fight", 6}, {"die", 6}};
     for (const auto& d : looks) {
         SCOPED_TRACE(d.look);
+        // A role is placed by the bottom-left corner of its first standing frame;
+        // every look keeps its feet at the same offset from that corner, so roles
+        // placed at the same point stand on the same spot.
+        EXPECT_EQ(d.footX * 2, d.width);
+        EXPECT_EQ(d.height - d.footY, 16);
         std::vector<uint8_t> bytes = ReadFile(Stage() / "loose/data" / d.file);
         // The staged file is exactly what the description compiles to.
         EXPECT_EQ(bytes, BuildRoleFile(d));

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ui/message_line.h"
+#include "ui_test_util.h"
 
 TEST(MessageLine, MergeRules) {
     SMessageLine line;
@@ -60,4 +61,34 @@ TEST(MessageLine, BoxArithmetic) {
     const SRect o = MessageLineBox(101, 21);
     EXPECT_EQ(o.left, 264);
     EXPECT_EQ(o.top, 172);
+}
+
+TEST(MessageLine, DrawnForSeventyFramesInAHalvedBox) {
+    CTestDisplay display;
+    CGraph& g = *display.graph;
+    SMessageLine line;
+    MessageLineShow(line, "Level Up!");
+    const SPoint size = g.MeasureText(line.text, 18);
+    ASSERT_GT(size.x, 0);
+    const SRect box = MessageLineBox(size.x, size.y);
+    const uint16_t grey = RgbTo565(200, 200, 200);
+    int drawn = 0;
+    for (int frame = 0; frame < 80; ++frame) {
+        g.FillRect(SURF_BUFFER, nullptr, grey);
+        const int32_t before = line.framesLeft;
+        MessageLineDraw(line, g);
+        const CSurface& s = *g.GetSurface(SURF_BUFFER);
+        if (before > 0) {
+            ++drawn;
+            // Inside the box's corner the picture is halved toward black; outside it is not.
+            const uint16_t p = s.At(box.left, box.top);
+            EXPECT_EQ(p >> 11, (grey >> 11) / 2);
+            EXPECT_EQ(s.At(box.right, box.bottom), grey);
+            EXPECT_EQ(s.At(box.left - 1, box.top), grey);
+        } else {
+            EXPECT_EQ(s.At(box.left, box.top), grey);
+        }
+    }
+    EXPECT_EQ(drawn, 70);
+    EXPECT_EQ(line.framesLeft, 0);
 }

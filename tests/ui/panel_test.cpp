@@ -211,3 +211,27 @@ TEST(Panel, LayoutFilesAndDialogScrolling) {
     dlg.SetText({"t"}, {"x"});
     EXPECT_EQ(dlg.Labels()[1].firstLine, 0);
 }
+
+TEST(Panel, TooltipDrawnInsideTheScreen) {
+    CTestDisplay display;
+    CGraph& g = *display.graph;
+    CPanel panel;
+    const uint16_t grey = RgbTo565(200, 200, 200);
+    g.FillRect(SURF_BUFFER, nullptr, grey);
+    panel.DrawTooltip(620, 470, "Iron Sword", 23, 2);
+    const int32_t width = g.MeasureText("aaaaaaaaaaaaaaaaaaaaaaa", 18).x;
+    const SFontMetrics m = g.GetFontMetrics(18);
+    ASSERT_GT(width, 0);
+    const STooltipPlacement p = PlaceTooltip(620, 470, width, m.height + m.externalLeading, 2);
+    EXPECT_LT(p.box.right, 640);
+    EXPECT_LE(p.box.bottom, 480);
+    const CSurface& s = *g.GetSurface(SURF_BUFFER);
+    EXPECT_EQ(s.At(p.box.left, p.box.bottom - 1) >> 11, (grey >> 11) / 2);
+    EXPECT_EQ(s.At(p.box.left - 1, p.box.top), grey);
+    EXPECT_EQ(s.At(639, 479), grey);
+    // White text lies inside the box.
+    int white = 0;
+    for (int32_t y = p.box.top; y < p.box.bottom; ++y)
+        for (int32_t x = p.box.left; x < p.box.right; ++x) white += s.At(x, y) == 0xFFFF;
+    EXPECT_GT(white, 10);
+}

@@ -69,7 +69,7 @@ inline std::vector<uint8_t> MakeBmp(int32_t w, int32_t h, uint8_t r, uint8_t g, 
 class CTestDisplay {
 public:
     CTestDisplay() {
-        CTextCache::SetFontPath("/usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf");
+        CTextCache::SetFontPath("/usr/share/fonts/truetype/wqy/wqy-microhei.ttc");  // the game font
         graph = std::make_unique<CGraph>();
         graph->Init(1);
         std::vector<SVrnInput> entries;

@@ -99,16 +99,29 @@ Col CaveBase(float x, float y) {
 
 // Flagstones: 2 x 2 slabs per cell along the lattice axes, mortar on the joins.
 // Slab shades come from the slab's lattice index, so they repeat with the cell.
-Col StoneBase(float x, float y) {
+// merge joins neighbouring slabs inside the cell into long ones (bits: 1 and 2 join
+// along the first axis in the upper and lower half, 4 and 8 along the second axis);
+// joints on the cell's edges always stay, so every variant meets every other.
+Col StoneBase(float x, float y, int merge = 0) {
     float a = x / 64.f + y / 32.f - 0.5f, b = x / 64.f - y / 32.f + 0.5f;  // 0 on cell edges
     float fa = a - std::floor(a), fb = b - std::floor(b);
     float sa = fa * 2, sb = fb * 2;
-    int ia = int(sa), ib = int(sb);
+    int ia = std::min(1, int(sa)), ib = std::min(1, int(sb));
     float la = sa - ia, lb = sb - ib;
-    float edge = std::min(std::min(la, 1 - la), std::min(lb, 1 - lb));  // 0 on joins
-    float tone = Rand01(ia, ib, 31);
+    float dLoA = la, dHiA = 1 - la, dLoB = lb, dHiB = 1 - lb;
+    int ta = ia, tb = ib;
+    if (merge & (ib == 0 ? 1 : 2)) {  // slabs (0, ib) and (1, ib) are one
+        if (ia == 0) dHiA = 9; else dLoA = 9;
+        ta = 0;
+    }
+    if (merge & (ia == 0 ? 4 : 8)) {  // slabs (ia, 0) and (ia, 1) are one
+        if (ib == 0) dHiB = 9; else dLoB = 9;
+        tb = 0;
+    }
+    float edge = std::min(std::min(dLoA, dHiA), std::min(dLoB, dHiB));  // 0 on joins
+    float tone = Rand01(ta, tb, 31 + merge);
     Col c = Mix(Hex(0x6C6A64), Hex(0x8F8A80), tone);
-    c = Mix(c, Hex(0x77705C), Rand01(ib, ia, 32) * 0.4f);
+    c = Mix(c, Hex(0x77705C), Rand01(tb, ta, 32) * 0.4f);
     float n = IsoNoise(x, y, 33, 6, 2);
     c = Shade(c, 0.9f + n * 0.2f);
     // Bevel: lit along the slab's upper-left sides, dark along the lower-right.
@@ -116,8 +129,7 @@ Col StoneBase(float x, float y) {
     if (edgePx < 1.3f) return Hex(0x3B3833);
     if (edgePx < 3.f) {
         // a grows towards the lower right, b towards the upper right.
-        float m = edge;
-        float s = (m == la) ? 1.2f : (m == 1 - la) ? 0.78f : (m == lb) ? 0.92f : 1.08f;
+        float s = (edge == dLoA) ? 1.2f : (edge == dHiA) ? 0.78f : (edge == dLoB) ? 0.92f : 1.08f;
         c = Shade(c, s);
     }
     c = Shade(c, 0.95f + IsoGrain(int(x), int(y), 34) * 0.09f);
@@ -189,6 +201,12 @@ void Ripple(Img& im, float cx, float cy, float r, float strength) {
 
 Img FullTile(int type, int k) {
     Img im = BaseTile(type);
+    if (type == kStone) {
+        static const int kMerge[10] = {0, 1, 4, 3, 0, 12, 2, 8, 0, 3};
+        for (int y = 0; y < 32; ++y)
+            for (int x = 0; x < 64; ++x)
+                if (InDiamond(x, y)) im.Set(x, y, StoneBase(x + 0.5f, y + 0.5f, kMerge[k % 10]));
+    }
     // Broad light and dark patches of this picture only, gone before the edges, so a
     // field of random variants does not show the lattice.
     for (int y = 0; y < 32; ++y)
@@ -277,7 +295,7 @@ Img FullTile(int type, int k) {
         case kWater: {
             int n = 1 + k % 3;
             for (int i = 0; i < n; ++i)
-                if (spot(0.4f, x, y)) Ripple(im, x, y, r.R(2.5f, 6.f), r.R(0.35f, 0.6f));
+                if (spot(0.4f, x, y)) Ripple(im, x, y, r.R(2.5f, 6.f), r.R(0.22f, 0.42f));
             int glints = k % 4 + 1;
             for (int i = 0; i < glints; ++i)
                 if (spot(0.25f, x, y)) {

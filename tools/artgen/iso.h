@@ -17,7 +17,8 @@ inline V3 operator*(V3 a, float s) { return {a.u * s, a.v * s, a.z * s}; }
 
 struct Iso {
     float ox = 0, oy = 0;  // picture position of the ground point (0, 0, 0)
-    float X(V3 p) const { return ox + 32.f * (p.u - p.v); }
+    bool swap = false;     // exchange the two ground axes (turns a building to face the other way)
+    float X(V3 p) const { return swap ? ox + 32.f * (p.v - p.u) : ox + 32.f * (p.u - p.v); }
     float Y(V3 p) const { return oy + 16.f * (p.u + p.v) - p.z; }
 };
 

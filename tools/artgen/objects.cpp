@@ -326,22 +326,28 @@ struct HouseStyle {
 
 // A house of U x V cells with a gable roof whose ridge runs along u. The door and
 // windows are on the front face (v = V, facing down-left).
-ObjDef House(const char* name, bool stone, uint32_t seed) {
+ObjDef House(const char* name, bool stone, uint32_t seed, bool swap = false) {
     const float U = 3, V = 2, H = stone ? 74.f : 72.f, R = stone ? 40.f : 46.f, e = 0.22f;
     ObjDef o{name, Img(240, 230), 0, 0, {}, {}, {}};
     // Place the footprint so the roof fits: the base cell's top corner sits at
     // (x 32 * V + pad, y top room).
-    o.ax = int(32 * V + 12 + 32 * e) - 32;
+    o.ax = swap ? 240 - int(32 * V + 12 + 32 * e) - 32 : int(32 * V + 12 + 32 * e) - 32;
     o.ay = 230 - int(16 * (U + V)) - 10;
     Iso iso = IsoAt(o.ax, o.ay);
+    iso.swap = swap;
+    // Light by the face's real direction once the axes are exchanged.
+    auto Light = [&](V3 n) { return art::Light(swap ? V3{n.v, n.u, n.z} : n); };
     for (int i = 0; i < int(U); ++i)
         for (int j = 0; j < int(V); ++j) o.block.push_back({i, j});
-    o.ground.push_back({1, int(V)});  // doorstep in front of the door
+    auto cell = [&](int i, int j) { return swap ? Cell{j, i} : Cell{i, j}; };
+    o.ground.push_back(cell(1, int(V)));  // doorstep in front of the door
     // The front row of the footprint holds the foot of the front walls: on the ground
     // layer, so people walking past in front are drawn over it.
-    for (int i = 0; i < int(U); ++i) o.ground.push_back({i, int(V) - 1});
-    for (int j = 0; j < int(V) - 1; ++j) o.ground.push_back({int(U) - 1, j});
-    o.walk.push_back({1, int(V)});
+    for (int i = 0; i < int(U); ++i) o.ground.push_back(cell(i, int(V) - 1));
+    for (int j = 0; j < int(V) - 1; ++j) o.ground.push_back(cell(int(U) - 1, j));
+    o.walk.push_back(cell(1, int(V)));
+    if (swap)
+        for (Cell& c : o.block) std::swap(c.di, c.dj);
     Img& im = o.im;
     Col wallC = stone ? Hex(0x9A9388) : Hex(0xD0C29F);
     Col timber = Hex(0x3E2C1F);
@@ -872,8 +878,8 @@ void VillageReview(Output& out, const Img& sheet, const std::vector<ObjDef>& obj
     const Place places[] = {{"oak", 1, 1},       {"pine", 0, 5},   {"cottage", 3, 3},   {"stonehouse", 9, 2},
                             {"well", 7, 9},      {"barrels", 6, 4}, {"crates", 6, 5},   {"signpost", 8, 6},
                             {"stall", 4, 9},     {"fence_u", 1, 11}, {"fence_u", 2, 11}, {"fence_v", 3, 11},
-                            {"bush", 12, 8},     {"rocks", 11, 11}, {"deadtree", 12, 12}, {"oak2", 0, 9},
-                            {"wall_u", 12, 5},   {"wall_u", 13, 5}, {"bush_berry", 10, 6}};
+                            {"bush", 12, 8},     {"rocks", 13, 11}, {"deadtree", 12, 12}, {"oak2", 0, 9},
+                            {"wall_u", 12, 5},   {"wall_u", 13, 5}, {"bush_berry", 10, 6}, {"cottage_r", 10, 9}};
     std::vector<Place> order(std::begin(places), std::end(places));
     std::stable_sort(order.begin(), order.end(), [](const Place& a, const Place& b) { return a.i + a.j < b.i + b.j; });
     for (const Place& p : order)
@@ -918,6 +924,8 @@ void GenObjects(Output& out, const std::string& tilesetDir) {
     objs.push_back(Rocks(109, "boulder", true));
     objs.push_back(House("cottage", false, 110));
     objs.push_back(House("stonehouse", true, 111));
+    objs.push_back(House("cottage_r", false, 121, true));
+    objs.push_back(House("stonehouse_r", true, 122, true));
     objs.push_back(Fence(false));
     objs.push_back(Fence(true));
     objs.push_back(StoneWall(false));

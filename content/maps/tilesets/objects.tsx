@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="240" tileheight="230" tilecount="26" columns="0">
+<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="240" tileheight="230" tilecount="28" columns="0">
  <grid orientation="isometric" width="64" height="32"/>
  <tile id="0">
   <properties>
@@ -102,6 +102,24 @@
  </tile>
  <tile id="11">
   <properties>
+   <property name="name" value="cottage_r"/>
+   <property name="anchor" value="125,140"/>
+   <property name="block" value="0,0;1,0;0,1;1,1;0,2;1,2"/>
+   <property name="ground" value="2,1;1,0;1,1;1,2;0,2"/>
+  </properties>
+  <image source="objects/cottage_r.png" width="240" height="230"/>
+ </tile>
+ <tile id="12">
+  <properties>
+   <property name="name" value="stonehouse_r"/>
+   <property name="anchor" value="125,140"/>
+   <property name="block" value="0,0;1,0;0,1;1,1;0,2;1,2"/>
+   <property name="ground" value="2,1;1,0;1,1;1,2;0,2"/>
+  </properties>
+  <image source="objects/stonehouse_r.png" width="240" height="230"/>
+ </tile>
+ <tile id="13">
+  <properties>
    <property name="name" value="fence_u"/>
    <property name="anchor" value="4,28"/>
    <property name="block" value="0,0"/>
@@ -109,7 +127,7 @@
   </properties>
   <image source="objects/fence_u.png" width="72" height="64"/>
  </tile>
- <tile id="12">
+ <tile id="14">
   <properties>
    <property name="name" value="fence_v"/>
    <property name="anchor" value="4,28"/>
@@ -118,7 +136,7 @@
   </properties>
   <image source="objects/fence_v.png" width="72" height="64"/>
  </tile>
- <tile id="13">
+ <tile id="15">
   <properties>
    <property name="name" value="wall_u"/>
    <property name="anchor" value="6,46"/>
@@ -127,7 +145,7 @@
   </properties>
   <image source="objects/wall_u.png" width="76" height="84"/>
  </tile>
- <tile id="14">
+ <tile id="16">
   <properties>
    <property name="name" value="wall_v"/>
    <property name="anchor" value="6,46"/>
@@ -136,7 +154,7 @@
   </properties>
   <image source="objects/wall_v.png" width="76" height="84"/>
  </tile>
- <tile id="15">
+ <tile id="17">
   <properties>
    <property name="name" value="well"/>
    <property name="anchor" value="16,76"/>
@@ -145,7 +163,7 @@
   </properties>
   <image source="objects/well.png" width="96" height="110"/>
  </tile>
- <tile id="16">
+ <tile id="18">
   <properties>
    <property name="name" value="barrels"/>
    <property name="anchor" value="10,36"/>
@@ -154,7 +172,7 @@
   </properties>
   <image source="objects/barrels.png" width="84" height="70"/>
  </tile>
- <tile id="17">
+ <tile id="19">
   <properties>
    <property name="name" value="crates"/>
    <property name="anchor" value="10,44"/>
@@ -163,7 +181,7 @@
   </properties>
   <image source="objects/crates.png" width="84" height="80"/>
  </tile>
- <tile id="18">
+ <tile id="20">
   <properties>
    <property name="name" value="signpost"/>
    <property name="anchor" value="4,62"/>
@@ -172,7 +190,7 @@
   </properties>
   <image source="objects/signpost.png" width="72" height="96"/>
  </tile>
- <tile id="19">
+ <tile id="21">
   <properties>
    <property name="name" value="stall"/>
    <property name="anchor" value="43,50"/>
@@ -181,7 +199,7 @@
   </properties>
   <image source="objects/stall.png" width="150" height="120"/>
  </tile>
- <tile id="20">
+ <tile id="22">
   <properties>
    <property name="name" value="bridge_u"/>
    <property name="anchor" value="4,6"/>
@@ -190,7 +208,7 @@
   </properties>
   <image source="objects/bridge_u.png" width="168" height="100"/>
  </tile>
- <tile id="21">
+ <tile id="23">
   <properties>
    <property name="name" value="bridge_v"/>
    <property name="anchor" value="100,6"/>
@@ -199,7 +217,7 @@
   </properties>
   <image source="objects/bridge_v.png" width="168" height="100"/>
  </tile>
- <tile id="22">
+ <tile id="24">
   <properties>
    <property name="name" value="cave"/>
    <property name="anchor" value="80,100"/>
@@ -208,7 +226,7 @@
   </properties>
   <image source="objects/cave.png" width="230" height="170"/>
  </tile>
- <tile id="23">
+ <tile id="25">
   <properties>
    <property name="name" value="ruin"/>
    <property name="anchor" value="43,110"/>
@@ -217,7 +235,7 @@
   </properties>
   <image source="objects/ruin.png" width="150" height="170"/>
  </tile>
- <tile id="24">
+ <tile id="26">
   <properties>
    <property name="name" value="stump"/>
    <property name="anchor" value="4,22"/>
@@ -226,7 +244,7 @@
   </properties>
   <image source="objects/stump.png" width="72" height="56"/>
  </tile>
- <tile id="25">
+ <tile id="27">
   <properties>
    <property name="name" value="grave"/>
    <property name="anchor" value="4,44"/>

@@ -148,3 +148,46 @@ TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
     EXPECT_LT(Difference(menu, hover, 222, 230, 418, 268), 0.01);
     fs::remove_all(dir);
 }
+
+// In play (warped onto the first map): the game menu's choices and Esc in each
+// of the panels it opens, then back to the main menu.
+TEST(MenuReplay, GameMenuChoicesByMouseAndEsc) {
+    fs::path dir = CopyGame("gamemenu");
+    WriteFile(dir / "replay.txt",
+              "30 key 27\n"                                     // game menu
+              "35 move 320 300\n36 ldown 320 300\n37 lup 320 300\n"  // help
+              "40 key 27\n"                                     // back to play
+              "45 key 27\n50 ldown 320 200\n51 lup 320 200\n"   // save panel
+              "55 ldown 493 75\n56 lup 493 75\n"                // its close button
+              "60 key 27\n65 ldown 320 250\n66 lup 320 250\n"   // load panel
+              "70 key 27\n"                                     // Esc: back to play
+              "75 key 27\n80 ldown 320 150\n81 lup 320 150\n"   // back to the game
+              "85 key 27\n90 ldown 320 360\n91 lup 320 360\n"); // main menu
+    const std::pair<int, long> steps[] = {{33, 5}, {38, 15}, {42, 3}, {47, 5}, {52, 6}, {57, 3},
+                                          {62, 5}, {67, 7},  {72, 3}, {77, 5}, {82, 3}, {87, 5}, {95, 1}, {115, 2}};
+    for (const auto& [frames, mode] : steps) {
+        fs::path state = dir / "state.json";
+        std::string extra = "--warp main.map --frames " + std::to_string(frames);
+        if (frames == 38) extra += " --shot 37:'" + (dir / "help.png").string() + "'";
+        RunGame(dir, "action=play --headless --uncapped --clock 1299011409 --replay replay.txt --dump-state '" +
+                         state.string() + "' " + extra,
+                "ASHEN_LAUNCHER_NOEXEC=1");
+        const std::string json = ReadFile(state);
+        EXPECT_EQ(JsonInt(json, "mode"), mode) << "after " << frames << " frames";
+        // Leaving the game clears the music flag; the main menu starts its music again.
+        if (mode == 1) EXPECT_EQ(JsonInt(json, "music_started"), 0);
+        if (mode == 2) EXPECT_EQ(JsonInt(json, "music_started"), 1);
+        fs::remove(state);
+    }
+    // The help screen's title is drawn in green over the dialog panel.
+    const SShot help = ReadPng(dir / "help.png");
+    ASSERT_TRUE(help.ok);
+    long green = 0;
+    for (int y = 60; y < 95; ++y)
+        for (int x = 260; x < 380; ++x) {
+            const uint8_t* p = help.At(x, y);
+            green += p[1] > 200 && p[0] < 80 && p[2] < 80;
+        }
+    EXPECT_GT(green, 10);
+    fs::remove_all(dir);
+}

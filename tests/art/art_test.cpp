@@ -77,8 +77,13 @@ bool InDiamond(int x, int y) { return std::abs(2 * x + 1 - 64) + 2 * std::abs(2 
 
 std::string Artgen() { return std::string(ASHEN_BIN_DIR) + "/artgen"; }
 
+std::string Recipes() { return std::string(ASHEN_SOURCE_DIR) + "/content/art"; }
+
+// Runs the generator with the project's recipes unless the arguments name others.
 int RunArtgen(const std::string& args) {
-    std::string cmd = Artgen() + " " + args + " > /dev/null 2>&1";
+    std::string rec = args.find("--recipes") == std::string::npos && !args.empty() && args.find("--bogus") == std::string::npos
+                          ? " --recipes " + Recipes() : "";
+    std::string cmd = Artgen() + rec + " " + args + " > /dev/null 2>&1";
     int rc = std::system(cmd.c_str());
     return WIFEXITED(rc) ? WEXITSTATUS(rc) : -1;
 }
@@ -594,6 +599,61 @@ TEST(ArtGenerator, SameBytesOnEveryRunAndFailuresAreReported) {
     EXPECT_EQ(RunArtgen(""), 2);
     EXPECT_EQ(RunArtgen("--bogus x"), 2);
     EXPECT_EQ(RunArtgen("--stage /proc/artgen_cannot_write_here"), 1);
+}
+
+TEST(ArtGenerator, BrokenRecipesStopTheGeneratorBeforeItWrites) {
+    if (!fs::exists(Artgen())) GTEST_SKIP() << "artgen not built";
+    fs::path dir = fs::temp_directory_path() / ("artgen_recipes_" + std::to_string(::getpid()));
+    fs::path out = fs::temp_directory_path() / ("artgen_out_" + std::to_string(::getpid()));
+    auto write = [&](const std::string& captions, const std::string& tiles) {
+        fs::remove_all(dir);
+        fs::remove_all(out);
+        fs::create_directories(dir);
+        std::ofstream(dir / "captions.txt") << captions;
+        std::ofstream(dir / "tiles.txt") << tiles;
+    };
+    std::ifstream c(Recipes() + "/captions.txt"), t(Recipes() + "/tiles.txt");
+    std::string captions((std::istreambuf_iterator<char>(c)), std::istreambuf_iterator<char>());
+    std::string tiles((std::istreambuf_iterator<char>(t)), std::istreambuf_iterator<char>());
+    auto run = [&]() { return RunArtgen("--recipes " + dir.string() + " --stage " + out.string()); };
+    // The project's recipes copied as they are work.
+    write(captions, tiles);
+    EXPECT_EQ(run(), 0);
+    EXPECT_TRUE(fs::exists(out / "ui/mm_quit.bmp"));
+    // A caption the pictures need is missing.
+    std::string noQuit = captions;
+    noQuit.erase(noQuit.find("mm_quit"), noQuit.find('\n', noQuit.find("mm_quit")) - noQuit.find("mm_quit") + 1);
+    write(noQuit, tiles);
+    EXPECT_EQ(run(), 1);
+    EXPECT_FALSE(fs::exists(out / "ui")) << "nothing is written from broken recipes";
+    // A tile type with 100 pictures would repeat sheet places.
+    std::string tooMany = tiles;
+    tooMany.replace(tooMany.find("1 grass grass 12"), 16, "1 grass grass 100");
+    write(captions, tooMany);
+    EXPECT_EQ(run(), 1);
+    // Corner pieces must come in whole sets of 14; types must be in order.
+    std::string partial = tiles;
+    partial.replace(partial.find("7 gd grass-dirt 28"), 18, "7 gd grass-dirt 20");
+    write(captions, partial);
+    EXPECT_EQ(run(), 1);
+    std::string swapped = tiles;
+    swapped.replace(swapped.find("2 dirt"), 6, "3 dirt");
+    write(captions, swapped);
+    EXPECT_EQ(run(), 1);
+    // A changed caption changes the painted button and nothing else in the tiles.
+    std::string renamed = captions;
+    renamed.replace(renamed.find("mm_quit = Quit"), 14, "mm_quit = Leave");
+    write(renamed, tiles);
+    ASSERT_EQ(run(), 0);
+    fs::path ref = fs::temp_directory_path() / ("artgen_ref_" + std::to_string(::getpid()));
+    fs::remove_all(ref);
+    ASSERT_EQ(RunArtgen("--stage " + ref.string()), 0);
+    EXPECT_FALSE(ReadAll(out / "ui/mm_quit.bmp") == ReadAll(ref / "ui/mm_quit.bmp"));
+    EXPECT_TRUE(ReadAll(out / "ui/mm_start.bmp") == ReadAll(ref / "ui/mm_start.bmp"));
+    EXPECT_TRUE(ReadAll(out / "tiles/obj.bmp") == ReadAll(ref / "tiles/obj.bmp"));
+    fs::remove_all(dir);
+    fs::remove_all(out);
+    fs::remove_all(ref);
 }
 
 }  // namespace

@@ -1,7 +1,8 @@
 // artgen: paints every environment and interface picture of the game.
 //
-//   artgen --stage DIR [--tilesets DIR] [--contact DIR]
+//   artgen --recipes DIR --stage DIR [--tilesets DIR] [--contact DIR]
 //
+// --recipes   content/art: captions and the tile type table.
 // --stage     writes the pictures into the pack folders of the stage directory
 //             (ui/, items/, skill/, tiles/), tiles.ini into ini/, the cursor into
 //             loose/data/ and the manifests for the map compiler into manifest/.
@@ -12,6 +13,7 @@
 #include <string>
 
 #include "output.h"
+#include "recipes.h"
 #include "text.h"
 
 using namespace art;
@@ -61,20 +63,26 @@ void ContactSheets(const Output& out, const std::string& dir) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::string stage, tilesets, contact;
+    std::string stage, tilesets, contact, recipes;
     for (int i = 1; i < argc; ++i) {
         std::string a = argv[i];
         if (i + 1 < argc && a == "--stage") stage = argv[++i];
+        else if (i + 1 < argc && a == "--recipes") recipes = argv[++i];
         else if (i + 1 < argc && a == "--tilesets") tilesets = argv[++i];
         else if (i + 1 < argc && a == "--contact") contact = argv[++i];
         else {
-            std::fprintf(stderr, "usage: artgen --stage DIR [--tilesets DIR] [--contact DIR]\n");
+            std::fprintf(stderr, "usage: artgen --recipes DIR --stage DIR [--tilesets DIR] [--contact DIR]\n");
             return 2;
         }
     }
-    if (stage.empty()) {
-        std::fprintf(stderr, "artgen: --stage is required\n");
+    if (stage.empty() || recipes.empty()) {
+        std::fprintf(stderr, "artgen: --recipes and --stage are required\n");
         return 2;
+    }
+    std::string error;
+    if (!LoadRecipes(recipes, error)) {
+        std::fprintf(stderr, "artgen: %s\n", error.c_str());
+        return 1;
     }
     if (!TextInit()) {
         std::fprintf(stderr, "artgen: cannot start the font renderer\n");

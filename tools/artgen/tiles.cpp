@@ -9,6 +9,7 @@
 
 #include "noise.h"
 #include "output.h"
+#include "recipes.h"
 #include "shell/gbk.h"
 
 namespace art {
@@ -370,20 +371,7 @@ Img TransitionTile(int other, int mask, int variant) {
     return im;
 }
 
-struct TypeDef {
-    int type;
-    const char* prefix;
-    const char* name;
-    int count;
-};
-const TypeDef kTypes[] = {
-    {1, "grass", "grass", 12}, {2, "dirt", "dirt", 10},   {3, "stone", "stone", 10},
-    {4, "sand", "sand", 10},   {5, "water", "water", 16}, {6, "cave", "cave", 10},
-    {7, "gd", "grass-dirt", 28}, {8, "gs", "grass-stone", 28},
-    {9, "gsa", "grass-sand", 28}, {10, "gw", "grass-water", 28},
-};
-
-std::string Tsx(const TypeDef& t) {
+std::string Tsx(const TileType& t) {
     char buf[1024];
     std::snprintf(buf, sizeof buf,
                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -393,7 +381,7 @@ std::string Tsx(const TypeDef& t) {
                   "  <property name=\"prefix\" value=\"%s\"/>\n  <property name=\"pictures\" "
                   "type=\"int\" value=\"%d\"/>\n </properties>\n"
                   " <image source=\"sheet_%d.png\" width=\"640\" height=\"640\"/>\n",
-                  t.name, t.type, t.prefix, t.count, t.type);
+                  t.name.c_str(), t.type, t.prefix.c_str(), t.count, t.type);
     return std::string(buf) + "</tileset>\n";
 }
 
@@ -433,13 +421,14 @@ Img GroundScene() {
 }  // namespace
 
 void GenTiles(Output& out, const std::string& tilesetDir) {
-    std::string ini = "[typecount]\r\ncount=" + std::to_string(std::size(kTypes)) + "\r\n";
+    const std::vector<TileType>& types = GetRecipes().tiles;
+    std::string ini = "[typecount]\r\ncount=" + std::to_string(types.size()) + "\r\n";
     std::string man =
         "# tiles manifest: <type> <k> <sheet x> <sheet y> <file> <role...>\n"
         "# picture k of a type sits on its 640x640 tile sheet at (k%10*64, (k%100)/10*32).\n"
         "# roles: '<ground> full <variant>' or '<grass-other> NESW=<nesw> <variant>', where a 1 corner\n"
         "# is the other ground and mask = 8N+4E+2S+1W, k = mask-1 + 14*variant.\n";
-    for (const TypeDef& t : kTypes) {
+    for (const TileType& t : types) {
         ini += "\r\n[" + std::to_string(t.type) + "]\r\npiccount=" + std::to_string(t.count) +
                "\r\n" + Utf8ToGbk("前缀") + "=" + t.prefix + "\r\n" + Utf8ToGbk("起始数") +
                "=1\r\n" + Utf8ToGbk("末尾数") + "=" + std::to_string(t.count) + "\r\n" +
@@ -450,17 +439,17 @@ void GenTiles(Output& out, const std::string& tilesetDir) {
             std::string role;
             if (t.type <= 6) {
                 im = FullTile(t.type, k);
-                role = std::string(t.name) + " full " + std::to_string(k);
+                role = t.name + " full " + std::to_string(k);
             } else {
                 int other = t.type - 5;  // 7 -> dirt (2), 8 -> stone, 9 -> sand, 10 -> water
                 int mask = k % 14 + 1, variant = k / 14;
                 im = TransitionTile(other, mask, variant);
                 char nesw[5] = {char('0' + ((mask >> 3) & 1)), char('0' + ((mask >> 2) & 1)),
                                 char('0' + ((mask >> 1) & 1)), char('0' + (mask & 1)), 0};
-                role = std::string(t.name) + " NESW=" + nesw + " " + std::to_string(variant);
+                role = t.name + " NESW=" + nesw + " " + std::to_string(variant);
             }
             char file[32];
-            std::snprintf(file, sizeof file, "%s%02d.bmp", t.prefix, k + 1);
+            std::snprintf(file, sizeof file, "%s%02d.bmp", t.prefix.c_str(), k + 1);
             int sx = k % 10 * 64, sy = (k % 100) / 10 * 32;
             out.AddPicture("tiles", "tiles/" + std::to_string(t.type) + "/" + file, im);
             sheet.Draw(im, sx, sy);

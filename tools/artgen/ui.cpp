@@ -9,13 +9,13 @@
 
 #include "noise.h"
 #include "output.h"
+#include "recipes.h"
 #include "text.h"
 #include "uikit.h"
 
 namespace art {
 namespace {
 
-const char* kTitle = "Ashen Oath";
 
 // ---------------------------------------------------------------- scenery
 
@@ -240,10 +240,10 @@ Img SplashStudio() {
           });
     TextStyle st;
     st.size = 34; st.top = Hex(0xE8DCC0); st.bottom = Hex(0xB09870);
-    DrawText(im, "Cinderfold Studio", cx, 320, st);
+    DrawText(im, Caption("studio"), cx, 320, st);
     TextStyle sm = st;
     sm.size = 16; sm.top = sm.bottom = Hex(0x9A8C74); sm.bevel = 0; sm.shadow = 1;
-    DrawText(im, "presents", cx, 362, sm);
+    DrawText(im, Caption("presents"), cx, 362, sm);
     Vignette(im, 0.6f);
     return im;
 }
@@ -346,7 +346,7 @@ Img SplashRain() {
 }
 
 void TitleText(Img& im, float cx, float cy, int size) {
-    GlowText(im, kTitle, cx, cy, size, Hex(0xC8581A), size / 5, 1.6f);
+    GlowText(im, Caption("title"), cx, cy, size, Hex(0xC8581A), size / 5, 1.6f);
     TextStyle st;
     st.size = size;
     st.top = Hex(0xF4E2B0);
@@ -355,7 +355,7 @@ void TitleText(Img& im, float cx, float cy, int size) {
     st.outlineWidth = 2.5f;
     st.shadow = 3;
     st.bevel = 0.45f;
-    DrawText(im, kTitle, cx, cy, st);
+    DrawText(im, Caption("title"), cx, cy, st);
 }
 
 Img SplashTitle() {
@@ -374,7 +374,7 @@ Img SplashTitle() {
     TitleText(im, 320, 140, 78);
     TextStyle sm;
     sm.size = 18; sm.top = sm.bottom = Hex(0xA89478); sm.bevel = 0; sm.shadow = 1;
-    DrawText(im, "a tale of the Ashvale", 320, 200, sm);
+    DrawText(im, Caption("subtitle"), 320, 200, sm);
     Vignette(im, 0.6f);
     return im;
 }
@@ -612,8 +612,7 @@ void Figure(Img& im, float x, float by, bool running, Col cloak) {
 
 Img Tutorial(int page) {
     Img im = PanelBase(360, 240, 80 + page, true, nullptr);
-    const char* captions[] = {"Hold the left button to run", "Right-click people to talk",
-                              "Press 1-9 to use bag items", "Esc opens the menu"};
+    const std::string caption = Caption("tut" + std::to_string(page + 1));
     switch (page) {
         case 0:
             Mouse(im, 110, 100, 0);
@@ -627,7 +626,7 @@ Img Tutorial(int page) {
             }, [](float, float, float d) { return d > -1.2f ? Hex(0x1A1410) : Hex(0xF0E6D0); });
             TextStyle st;
             st.size = 14; st.top = st.bottom = Hex(0x3A2A1A); st.outlineWidth = 0; st.shadow = 0; st.bevel = 0;
-            DrawText(im, "Well met.", 282, 63, st);
+            DrawText(im, Caption("tut_greeting"), 282, 63, st);
             break;
         }
         case 2: {
@@ -647,7 +646,7 @@ Img Tutorial(int page) {
         }
         default: {
             KeyCap(im, 60, 70, 64, 44, "Esc", true);
-            Img menu = PanelBase(120, 130, 90, false, "Menu");
+            Img menu = PanelBase(120, 130, 90, false, Caption("gamemenu").c_str());
             for (int k = 0; k < 3; ++k)
                 for (int y = 0; y < 16; ++y)
                     for (int x = 0; x < 84; ++x) menu.Set(18 + x, 56 + k * 22 + y, Shade(Hex(0x6A645C), 1.05f - y / 40.f));
@@ -661,7 +660,7 @@ Img Tutorial(int page) {
     TextStyle st;
     st.size = 18; st.top = Hex(0x3A2414); st.bottom = Hex(0x1E140C); st.outlineWidth = 0; st.shadow = 0;
     st.engraved = true;
-    DrawText(im, captions[page], 180, 186, st);
+    DrawText(im, caption, 180, 186, st);
     return im;
 }
 
@@ -738,8 +737,8 @@ Img Hud(std::string& manifest) {
     // Little separators and labels over the strip.
     TextStyle lab;
     lab.size = 10; lab.top = lab.bottom = Hex(0x9A8464); lab.outlineWidth = 1; lab.shadow = 0; lab.bevel = 0;
-    DrawText(im, "gear", 194 + 66, 47, lab);
-    DrawText(im, "bag 1-9", 334 + 147, 47, lab);
+    DrawText(im, Caption("hud_gear"), 194 + 66, 47, lab);
+    DrawText(im, Caption("hud_bag"), 334 + 147, 47, lab);
     for (int k = 0; k < 9; ++k) {
         TextStyle n = lab;
         n.size = 9;
@@ -813,17 +812,17 @@ void GenUi(Output& out) {
     out.AddPicture("ui", "ui/splash4.bmp", SplashRain());
     out.AddPicture("ui", "ui/splash5.bmp", SplashTitle());
     out.AddPicture("ui", "ui/mainmenu_bg.bmp", MainMenuBg());
-    struct B { const char* file; const char* caption; };
-    const B mm[] = {{"mm_start", "New Game"}, {"mm_load", "Load Game"}, {"mm_credits", "Credits"}, {"mm_quit", "Quit"}};
+    struct B { const char* file; const char* caption; };  // caption: recipe key
+    const B mm[] = {{"mm_start", "mm_start"}, {"mm_load", "mm_load"}, {"mm_credits", "mm_credits"}, {"mm_quit", "mm_quit"}};
     uint32_t seed = 200;
     for (const B& b : mm) {
-        out.AddPicture("ui", std::string("ui/") + b.file + ".bmp", MenuButton(b.caption, false, 200, 44, seed));
-        out.AddPicture("ui", std::string("ui/") + b.file + "_h.bmp", MenuButton(b.caption, true, 200, 44, seed));
+        out.AddPicture("ui", std::string("ui/") + b.file + ".bmp", MenuButton(Caption(b.caption).c_str(), false, 200, 44, seed));
+        out.AddPicture("ui", std::string("ui/") + b.file + "_h.bmp", MenuButton(Caption(b.caption).c_str(), true, 200, 44, seed));
         ++seed;
     }
-    out.AddPicture("ui", "ui/gamemenu_bg.bmp", PanelBase(260, 320, 210, false, "Menu"));
-    const B gm[] = {{"gm_back", "Back to Game"}, {"gm_save", "Save"}, {"gm_load", "Load"}, {"gm_help", "Help"}, {"gm_exit", "Main Menu"}};
-    for (const B& b : gm) out.AddPicture("ui", std::string("ui/") + b.file + ".bmp", MenuButton(b.caption, false, 200, 40, seed++));
+    out.AddPicture("ui", "ui/gamemenu_bg.bmp", PanelBase(260, 320, 210, false, Caption("gamemenu").c_str()));
+    const B gm[] = {{"gm_back", "gm_back"}, {"gm_save", "gm_save"}, {"gm_load", "gm_load"}, {"gm_help", "gm_help"}, {"gm_exit", "gm_exit"}};
+    for (const B& b : gm) out.AddPicture("ui", std::string("ui/") + b.file + ".bmp", MenuButton(Caption(b.caption).c_str(), false, 200, 40, seed++));
     out.AddPicture("ui", "ui/dlg_bg.bmp", PanelBase(480, 380, 220, true, ""));
     out.AddPicture("ui", "ui/dlg_up.bmp", SmallButton(28, kUp));
     out.AddPicture("ui", "ui/dlg_down.bmp", SmallButton(28, kDown));

@@ -238,7 +238,8 @@ TEST(AudioSfx, RendersNormalisedEffectsWithSilentTails) {
                        "loudness_db = 3\n[layer]\n",               "peak_db = 0\n[layer]\n",
                        "[layer]\nrepeat = 0\n",                    "[layer]\nwave = hum\n",
                        "room = 1.5\n[layer]\n",                    "[lyr]\n",
-                       "[layer]\nfreq = 30000\n",                  "seed = 2\n"};
+                       "[layer]\nfreq = 30000\n",                  "seed = 2\n",
+                       "[layer]\nrepeat = 100\nevery = 1\n",      "[layer]\nevery = 1e6\n"};
   for (const char* text : bad) {
     ASSERT_TRUE(ParseText(text, r, err)) << text;
     EXPECT_FALSE(ReadSfxRecipe(r, s, err)) << text;
@@ -315,7 +316,9 @@ TEST(AudioComposer, NotesFollowScaleChordsPatternsAndForm) {
                        "key = H\nform = A\n[section A]\nchords = i\n[part p]\ntype = pad\ninstrument = pad\n",
                        "form = A\n[section A]\nchords = i\n[part p]\ntype = drums\n",
                        "form = A\n[section A]\nchords = i\n[section A]\nchords = v\n[part p]\ntype = pad\ninstrument = pad\n",
-                       "form = A\n[section A]\nchords = i\n"};
+                       "form = A\n[section A]\nchords = i\n",
+                       "form = A\n[section A]\nchords = i\n[part p]\ntype = arp\ninstrument = harp\npattern = 0\n"
+                       "step = 0.001\n"};
   for (const char* text : bad) {
     ASSERT_TRUE(ParseText(text, r, err)) << text;
     EXPECT_FALSE(ReadMusicRecipe(r, m, err)) << text;

@@ -376,7 +376,8 @@ bool ReadMusicRecipe(const Recipe& recipe, MusicRecipe& out, std::string& error)
         p.drums.push_back(line);
       }
       if (p.octave < 1 || p.octave > 7 || std::fabs(p.pan) > 1 || p.send < 0 || p.send > 2 ||
-          p.density < 0 || p.density > 1 || p.step <= 0 || p.range < 2 || p.range > 21) {
+          p.density < 0 || p.density > 1 || p.step < 0.125 || p.step > 16 || p.range < 2 || p.range > 21 ||
+          p.humanize < 0 || p.humanize > 0.05 || p.attack > 10 || p.release > 10 || p.rest < 0 || p.rest > 1) {
         error = at + "part value out of range";
         return false;
       }

@@ -238,7 +238,9 @@ bool ReadSfxRecipe(const Recipe& recipe, SfxRecipe& out, std::string& error) {
       else if (l.hold < 0 || l.decay < 0.001 || l.Length() > 10) bad = "envelope";
       else if (l.freq < 0 || l.freq > 20000 || l.freqEnd < 0 || l.freqEnd > 20000) bad = "freq";
       else if (l.wave == Wave::kPluck && l.freq < 20) bad = "freq";
-      else if (l.repeat < 1 || l.repeat > 200 || l.every <= 0) bad = "repeat";
+      else if (l.repeat < 1 || l.repeat > 200 || l.every <= 0 || l.every > 2 ||
+               l.at + (l.repeat - 1) * l.every * (1 + l.jitter) > 20 || l.jitter < 0)
+        bad = "repeat";
       else if (l.arpStep <= 0) bad = "arp_step";
       else if (l.sustain <= 0 || l.sustain > 1 || l.bright < 0 || l.bright > 1) bad = "pluck";
       else if (l.q <= 0 || l.curve <= 0 || l.density < 0) bad = "q/curve/density";

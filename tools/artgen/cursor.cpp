@@ -25,8 +25,9 @@ Img Frame(int f) {
               if (d > -1.1f) return Hex(0x0C0A08);
               Col c = Shade(Hex(0x9A9CA0), 1.2f - (x + y) / 40.f);
               // Ember heat spreading from the tip.
-              float heat = Clamp01(1.f - std::hypot(x - 2, y - 3) / (7.f + 3.f * glow));
-              c = Mix(c, Mix(Hex(0xC8401A), Hex(0xFFD890), heat), heat * glow);
+              float heat = Clamp01(1.f - std::hypot(x - 2, y - 3) / (9.f + 4.f * glow));
+              Col ember = Mix(Hex(0xA82A12), Hex(0xFFE2A0), heat * heat * glow);
+              c = Mix(c, ember, Clamp01(heat * 1.7f) * (0.55f + 0.45f * glow));
               return c;
           });
     return im;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <string>
 #include <algorithm>
+#include <array>
 
 #include "iso.h"
 #include "noise.h"
@@ -834,6 +835,101 @@ ObjDef Grave(uint32_t seed) {
     return o;
 }
 
+// The hilltop shrine: a stepped stone base, a carved stele and an ember bowl.
+ObjDef Shrine(uint32_t seed) {
+    ObjDef o{"shrine", Img(96, 120), 16, 82, {{0, 0}}, {{0, 0}}, {}};
+    Iso iso = IsoAt(o.ax, o.ay);
+    Col st = Hex(0x8A857A);
+    // Two steps.
+    for (int k = 0; k < 2; ++k) {
+        float m = 0.08f + k * 0.14f, z0 = k * 6.f, h = 6.f;
+        Quad(o.im, iso, {m, 1 - m, z0}, {1 - 2 * m, 0, 0}, {0, 0, h},
+             [&](float s, float t) { return Shade(StoneCourses(s * 30, t * h + z0, seed + k, st), Light({0, 1, 0})); }, kInk);
+        Quad(o.im, iso, {1 - m, 1 - m, z0}, {0, -(1 - 2 * m), 0}, {0, 0, h},
+             [&](float s, float t) { return Shade(StoneCourses(s * 30, t * h + z0, seed + 5 + k, st), Light({1, 0, 0})); }, kInk);
+        Quad(o.im, iso, {m, m, z0 + h}, {1 - 2 * m, 0, 0}, {0, 1 - 2 * m, 0},
+             [&](float s, float t) { return Shade(st, Light({0, 0, 1}) * (1.05f - (s + t) * 0.08f)); }, kInk);
+    }
+    // Stele.
+    const float a = 0.38f, b = 0.62f, z = 12, H = 48;
+    Quad(o.im, iso, {a, b - 0.08f, z}, {b - a, 0, 0}, {0, 0, H},
+         [&](float s, float t) {
+             Col c = Shade(Hex(0x9A958A), Light({0, 1, 0}) * (0.95f + VNoise(s * 8, t * 12, seed) * 0.1f));
+             float dx = std::fabs(s - 0.5f), dy = t - 0.62f;
+             if (std::fabs(std::hypot(dx * 2.2f, dy * 1.6f) - 0.17f) < 0.035f) c = Hex(0x4A3A2A);  // carved ring
+             return c;
+         }, kInk);
+    Quad(o.im, iso, {b, b - 0.08f, z}, {0, -(b - a - 0.16f), 0}, {0, 0, H},
+         [&](float s, float t) { return Shade(Hex(0x9A958A), Light({1, 0, 0}) * (0.95f + VNoise(s * 8, t * 12, seed + 1) * 0.1f)); }, kInk);
+    Quad(o.im, iso, {a, a + 0.08f, z + H}, {b - a, 0, 0}, {0, b - a - 0.16f, 0},
+         [&](float, float) { return Shade(Hex(0x9A958A), Light({0, 0, 1})); }, kInk);
+    // Ember bowl in front of the stele.
+    float bx = iso.X({0.42f, 0.82f, 12}), by = iso.Y({0.42f, 0.82f, 12});
+    Paint(o.im, bx - 9, by - 6, bx + 9, by + 4, [&](float x, float y) { return SdEllipse(x, y, bx, by - 1, 7.5f, 3.5f); },
+          [&](float x, float, float d) { return d > -1 ? kInk : Shade(Hex(0x5A4A3A), 1.1f - (x - bx) / 14.f); });
+    Paint(o.im, bx - 6, by - 6, bx + 6, by, [&](float x, float y) { return SdEllipse(x, y, bx, by - 2.5f, 5.5f, 2.f); },
+          [&](float x, float y, float) { return Mix(Hex(0xFFD080), Hex(0xC8401A), Clamp01(std::hypot(x - bx, (y - by + 2.5f) * 2) / 6.f)); });
+    return o;
+}
+
+// Reeds for river banks and the ford.
+ObjDef Reeds(uint32_t seed) {
+    ObjDef o{"reeds", Img(72, 72), 4, 38, {}, {{0, 0}}, {{0, 0}}};
+    Iso iso = IsoAt(o.ax, o.ay);
+    Rng r(seed);
+    std::vector<std::array<float, 5>> blades;
+    for (int i = 0; i < 22; ++i) {
+        float u = r.R(0.2f, 0.8f), v = r.R(0.2f, 0.8f);
+        float x = iso.X({u, v, 0}), y = iso.Y({u, v, 0});
+        blades.push_back({x, y, r.R(16, 30), r.R(-5, 5), r.F()});
+    }
+    std::sort(blades.begin(), blades.end(), [](const auto& p, const auto& q) { return p[1] < q[1]; });
+    for (const auto& bl : blades) {
+        float x = bl[0], y = bl[1], len = bl[2], lean = bl[3];
+        Col c = Mix(Hex(0x5A6A34), Hex(0x9A9A58), bl[4]);
+        Paint(o.im, x - 8, y - len - 2, x + 8, y + 2,
+              [&](float px, float py) { return SdSegment(px, py, x, y, x + lean, y - len, 0.7f); },
+              [&](float, float py, float d) { return d > -0.3f ? Shade(c, 0.55f) : Shade(c, 0.8f + 0.4f * (y - py) / len); });
+        if (bl[4] > 0.75f)  // a seed head
+            Paint(o.im, x + lean - 3, y - len - 4, x + lean + 3, y - len + 6,
+                  [&](float px, float py) { return SdSegment(px, py, x + lean * 0.95f, y - len * 0.95f, x + lean * 0.85f, y - len * 0.8f, 1.5f); },
+                  [&](float, float, float d) { return d > -0.5f ? kInk : Hex(0x6A4A2A); });
+    }
+    return o;
+}
+
+// A camp fire: a ring of stones, crossed logs and low flames.
+ObjDef Campfire(uint32_t seed) {
+    ObjDef o{"campfire", Img(72, 64), 4, 30, {{0, 0}}, {{0, 0}}, {}};
+    Iso iso = IsoAt(o.ax, o.ay);
+    float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
+    Paint(o.im, cx - 20, cy - 10, cx + 20, cy + 10, [&](float x, float y) { return SdEllipse(x, y, cx, cy, 17, 8); },
+          [&](float x, float y, float) { return Mix(Hex(0x3A2A20), Hex(0x1A1410), Clamp01(std::hypot(x - cx, (y - cy) * 2) / 17.f)); });
+    for (int k = 0; k < 9; ++k) {
+        float a = k * 6.2831853f / 9;
+        Boulder(o.im, cx + std::cos(a) * 16, cy + std::sin(a) * 7.5f + 2, 3.6f, 2.6f, seed + k, Hex(0x7A746A));
+    }
+    for (int s = -1; s <= 1; s += 2)
+        Paint(o.im, cx - 12, cy - 8, cx + 12, cy + 6,
+              [&](float x, float y) { return SdSegment(x, y, cx - 9 * s, cy + 2, cx + 9 * s, cy - 3, 2.f); },
+              [&](float x, float, float d) { return d > -0.8f ? kInk : Shade(Hex(0x5A4030), 1.1f - (x - cx) * 0.02f); });
+    // Flames: layered tongues.
+    for (int k = 0; k < 3; ++k) {
+        float fx = cx + (k - 1) * 4.f, h = 14.f - std::abs(k - 1) * 4.f;
+        Paint(o.im, fx - 5, cy - h - 4, fx + 5, cy + 1,
+              [&](float x, float y) {
+                  float t = Clamp01((cy - y) / h);
+                  return std::fabs(x - fx - std::sin(t * 3 + k) * 1.2f) - 3.6f * (1 - t) - 0.3f + (y > cy ? 9.f : 0.f);
+              },
+              [&](float x, float y, float d) {
+                  float t = Clamp01((cy - y) / h);
+                  (void)x;
+                  return d > -0.8f ? Hex(0x8A2A10) : Mix(Hex(0xFFE8A0), Hex(0xE0602A), t);
+              });
+    }
+    return o;
+}
+
 std::string CellList(const std::vector<Cell>& cells) {
     std::string s;
     for (size_t i = 0; i < cells.size(); ++i)
@@ -879,7 +975,7 @@ void VillageReview(Output& out, const Img& sheet, const std::vector<ObjDef>& obj
                             {"well", 7, 9},      {"barrels", 6, 4}, {"crates", 6, 5},   {"signpost", 8, 6},
                             {"stall", 4, 9},     {"fence_u", 1, 11}, {"fence_u", 2, 11}, {"fence_v", 3, 11},
                             {"bush", 12, 8},     {"rocks", 13, 11}, {"deadtree", 12, 12}, {"oak2", 0, 9},
-                            {"wall_u", 12, 5},   {"wall_u", 13, 5}, {"bush_berry", 10, 6}, {"cottage_r", 10, 9}};
+                            {"wall_u", 12, 5},   {"wall_u", 13, 5}, {"bush_berry", 10, 6}, {"cottage_r", 10, 9}, {"campfire", 2, 8}, {"shrine", 12, 2}};
     std::vector<Place> order(std::begin(places), std::end(places));
     std::stable_sort(order.begin(), order.end(), [](const Place& a, const Place& b) { return a.i + a.j < b.i + b.j; });
     for (const Place& p : order)
@@ -941,6 +1037,9 @@ void GenObjects(Output& out, const std::string& tilesetDir) {
     objs.push_back(Ruin(118));
     objs.push_back(Stump(119));
     objs.push_back(Grave(120));
+    objs.push_back(Shrine(123));
+    objs.push_back(Reeds(124));
+    objs.push_back(Campfire(125));
 
     // Shelf packing, tallest first, so the sheet stays compact.
     std::vector<size_t> order(objs.size());

@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="240" tileheight="230" tilecount="28" columns="0">
+<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="240" tileheight="230" tilecount="31" columns="0">
  <grid orientation="isometric" width="64" height="32"/>
  <tile id="0">
   <properties>
@@ -252,5 +252,32 @@
    <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/grave.png" width="72" height="80"/>
+ </tile>
+ <tile id="28">
+  <properties>
+   <property name="name" value="shrine"/>
+   <property name="anchor" value="16,82"/>
+   <property name="block" value="0,0"/>
+   <property name="ground" value="0,0"/>
+  </properties>
+  <image source="objects/shrine.png" width="96" height="120"/>
+ </tile>
+ <tile id="29">
+  <properties>
+   <property name="name" value="reeds"/>
+   <property name="anchor" value="4,38"/>
+   <property name="block" value=""/>
+   <property name="ground" value="0,0"/>
+  </properties>
+  <image source="objects/reeds.png" width="72" height="72"/>
+ </tile>
+ <tile id="30">
+  <properties>
+   <property name="name" value="campfire"/>
+   <property name="anchor" value="4,30"/>
+   <property name="block" value="0,0"/>
+   <property name="ground" value="0,0"/>
+  </properties>
+  <image source="objects/campfire.png" width="72" height="64"/>
  </tile>
 </tileset>

@@ -174,6 +174,7 @@ public:
     void HarnessStart();          // --warp and the replay file, before the loop
     bool HarnessInjectInput();    // replayed events of the next frame; true when some were queued
     void HarnessAfterFrame();     // frame count, --shot pictures, --frames limit
+    void HarnessStop();           // after the loop: frees the replay state
 
     // ---- accessors used across subsystems ----
     CGraph* Graph() { return m_pGraph; }

@@ -78,6 +78,12 @@ void CGame::HarnessAfterFrame() {
     if (m_harness.frames >= 0 && m_nFrameCount == m_harness.frames) platform::PostMessage(WM_CLOSE, 0, 0);
 }
 
+void CGame::HarnessStop() {
+    platform::SetFrameObserver(nullptr);
+    delete m_pReplay;
+    m_pReplay = nullptr;
+}
+
 static const char* ModeName(int32_t mode) {
     switch (mode) {
         case GS_SPLASH: return "GS_SPLASH";

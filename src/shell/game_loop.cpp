@@ -57,6 +57,7 @@ int CGame::Run() {
     int quitCode = 0;
     while (RunOnce(quitCode)) {
     }
+    HarnessStop();
     return quitCode;
 }
 

@@ -13,10 +13,15 @@ namespace {
 
 constexpr int kPackCount = 6;
 
-std::string CacheKey(int pack, const char* name) {
+// The "%d%s" cache key, built in one reused buffer: drawing a cached picture
+// every frame allocates nothing once the buffer has grown.
+const std::string& CacheKey(int pack, const char* name) {
+    static std::string key;
     char num[16];
     std::snprintf(num, sizeof num, "%d", pack);
-    return std::string(num) + name;
+    key.assign(num);
+    key.append(name);
+    return key;
 }
 
 bool ValidCache(int cache) { return cache == 0 || cache == 1; }

@@ -37,8 +37,8 @@ void CGraph::SetPackPath(int pack, const char* path) {
 
 bool CGraph::LoadBitmapData(int pack, const char* name, int cache) {
     if (!name || !ValidCache(cache) || pack < 0 || pack >= kPackCount) return false;
-    const std::string key = CacheKey(pack, name);
-    if (m_cache[cache].count(key)) return false;
+    if (m_cache[cache].count(CacheKey(pack, name))) return false;
+    const std::string key = CacheKey(pack, name);  // a copy only for a picture read now
 
     if (!m_pPackReader) m_pPackReader = std::make_unique<CVRN_File>();
     if (pack != m_nOpenPack) {

@@ -30,10 +30,7 @@ SRun RunGame(const std::string& name, const std::string& warp, int frames, const
     e2e::WriteFile(dir / "input.replay", replay);
     const e2e::Result res = e2e::RunGame(dir, "action=play --headless --uncapped --warp " + warp + " --frames " +
                                                std::to_string(frames) + " --replay input.replay --dump-state state.json " +
-                                               extra,
-                                           // Leaks at exit are the harness's business; memory errors and
-                                           // undefined behaviour still end the run with a report.
-                                           "ASAN_OPTIONS=detect_leaks=0");
+                                               extra);
     SRun r;
     r.state = e2e::ReadFile(dir / "state.json");
     r.output = res.out + res.err;

@@ -21,14 +21,14 @@ CGraph* g_pGraph = nullptr;
 
 namespace {
 
-struct SSurfaceSpec {
+struct SSurfaceDesc {
     int32_t width, height;
     bool keyed;
     const char* failure;  // log line when the surface cannot be made
 };
 
 // Index order; surface 0 stands for the screen itself.
-const SSurfaceSpec kSurfaceSpecs[SURF_COUNT] = {
+const SSurfaceDesc kSurfaceDescs[SURF_COUNT] = {
     {SCREEN_W, SCREEN_H, false, "Create Primary Surface...  failed!"},
     {SCREEN_W, SCREEN_H, false, "Create Buffer Surface...  failed!"},
     {WORLD_W, WORLD_H, false, "Create Layer Surface...  failed!"},
@@ -90,11 +90,11 @@ bool CGraph::Init(int windowed) {
     (void)windowed;  // both modes use the same off-screen buffers; the window decides
     Release();
     for (int i = 0; i < SURF_COUNT; ++i) {
-        const SSurfaceSpec& spec = kSurfaceSpecs[i];
+        const SSurfaceDesc& desc = kSurfaceDescs[i];
         try {
-            m_surfaces[i].Create(spec.width, spec.height, spec.keyed);
+            m_surfaces[i].Create(desc.width, desc.height, desc.keyed);
         } catch (const std::bad_alloc&) {
-            m_pLog->Write("%s", spec.failure);
+            m_pLog->Write("%s", desc.failure);
             Release();
             return false;
         }

@@ -41,7 +41,7 @@ void Release() {
 
 bool IsOpen() { return g_users > 0; }
 
-bool Spec(int* rate, uint16_t* format, int* channels) {
+bool OutputFormat(int* rate, uint16_t* format, int* channels) {
     if (g_users <= 0) return false;
     Uint16 f = 0;
     if (Mix_QuerySpec(rate, &f, channels) == 0) return false;

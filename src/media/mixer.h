@@ -11,7 +11,7 @@ bool Acquire();
 void Release();
 bool IsOpen();
 // The device format after opening: rate, SDL audio format, channels.
-bool Spec(int* rate, uint16_t* format, int* channels);
+bool OutputFormat(int* rate, uint16_t* format, int* channels);
 
 // Mixer channels: each sound object keeps a channel number of its own for its
 // whole life. AllocateChannel hands out a number (the mixer need not be open);

@@ -113,7 +113,7 @@ bool CSound::LoadWav(const char* path) {
     int rate = 0, channels = 0;
     uint16_t mixFormat = 0;
     if (headRead < 36 || !ParseFormat(head + 20, fmt) || riffSize < 4 || riffSize > kMaxBufferBytes ||
-        !mixer::Spec(&rate, &mixFormat, &channels)) {
+        !mixer::OutputFormat(&rate, &mixFormat, &channels)) {
         fclose(f);
         m_pLog->Write("error on create sound buffer");
         return false;

@@ -59,7 +59,7 @@ const Layout kLayouts[] = {
     {"-type truecolor -define bmp:subtype=RGB555", "BMP:t555.bmp", 16, 3, 124},
 };
 
-std::string FileName(const char* spec) { return std::string(spec).substr(std::string(spec).find(':') + 1); }
+std::string FileName(const char* arg) { return std::string(arg).substr(std::string(arg).find(':') + 1); }
 
 // Every layout is written by ImageMagick in one run, then read back by it
 // (as raw RGB) in a second run: the reference our decoder must match.

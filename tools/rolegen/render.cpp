@@ -242,13 +242,13 @@ int Renderer::Render(const std::vector<Prim>& prims, const std::vector<Material>
                     double diff = std::max(0.0, Dot(n, L));
                     double lum = cam.ambient + (1.0 - cam.ambient) * 1.15 * diff;
                     if (cam.bands > 0) lum = std::round(lum * cam.bands) / cam.bands;
-                    double spec = m.shine > 0 ? m.shine * std::pow(std::max(0.0, Dot(n, Hv)), 36.0) : 0.0;
-                    if (cam.bands > 0 && spec > 0) spec = std::round(spec * 3) / 3;
+                    double specular = m.shine > 0 ? m.shine * std::pow(std::max(0.0, Dot(n, Hv)), 36.0) : 0.0;
+                    if (cam.bands > 0 && specular > 0) specular = std::round(specular * 3) / 3;
                     double shadow = std::max(0.0, 1.0 - lum);
                     double c[3] = {m.r, m.g, m.b};
                     double tint[3] = {0.16, 0.12, 0.26};  // shadows lean cool
                     for (int ch = 0; ch < 3; ++ch) {
-                        double v = c[ch] * lum + tint[ch] * shadow * 0.35 + spec;
+                        double v = c[ch] * lum + tint[ch] * shadow * 0.35 + specular;
                         if (m.emissive > 0) v = v * (1 - m.emissive) + (c[ch] * (0.9 + 0.25 * n.z)) * m.emissive;
                         acc[ch] += v;
                     }

@@ -83,15 +83,7 @@ void CRole::WalkTick(int p, uint32_t stepWord) {
             m_nMp = m_nMp > 0 ? m_nMp - 1 : 0;
             s_nWalkCounter = 40;
         }
-        const double d = std::sqrt(double(dx) * dx + double(dy) * dy);
-        if (d >= 0.1) {
-            m_x = int32_t(double(m_x) + double(dx) * p / d);
-            m_y = int32_t(double(m_y) + double(dy) * p / d);
-        }
-        const int a = FindAction(m_szState);
-        const int n = a >= 0 ? m_actions[size_t(a)].framesPerDir : 1;
-        m_nStep += 1;
-        if (m_nStep > n - 1) m_nStep = 0;
+        StepToward(dx, dy, p);
         DrawFrame(m_nStep);
         return;
     }
@@ -128,6 +120,12 @@ void CRole::SimpleStep(int32_t crossable, int p) {
         std::strcpy(m_szState, "stand");
         return;
     }
+    StepToward(dx, dy, p);
+}
+
+// Moves p pixels along (dx, dy), each coordinate truncated toward zero, and
+// advances the step of the current action, wrapping after its last frame.
+void CRole::StepToward(int32_t dx, int32_t dy, int p) {
     const double d = std::sqrt(double(dx) * dx + double(dy) * dy);
     if (d >= 0.1) {
         m_x = int32_t(double(m_x) + double(dx) * p / d);

@@ -154,6 +154,7 @@ public:
 private:
     void DrawFrameIndex(int frame);
     void WalkTick(int step, uint32_t stepWord);
+    void StepToward(int32_t dx, int32_t dy, int p);
     void DieTick();
     void SetStateName(const char* name);
 };

@@ -125,6 +125,10 @@ void FreeCursors() {
     g.shownImage = UINT32_MAX;
 }
 
+void DestroyWindowObjects() {
+    DestroyWindowObjects();
+}
+
 void Pump() {
     if (!g.sdlStarted) return;
     AnimateCursor();
@@ -160,12 +164,7 @@ bool Init(const SOptions& options) {
 
 void Shutdown() {
     FreeCursors();
-    if (g.texture) SDL_DestroyTexture(g.texture);
-    if (g.renderer) SDL_DestroyRenderer(g.renderer);
-    if (g.window) SDL_DestroyWindow(g.window);
-    g.texture = nullptr;
-    g.renderer = nullptr;
-    g.window = nullptr;
+    DestroyWindowObjects();
     SetMessageBoxHandler(nullptr);
     if (g.sdlStarted) SDL_Quit();
     g.sdlStarted = false;
@@ -211,12 +210,7 @@ bool CreateMainWindow(bool windowed, WindowProc proc) {
 void DestroyMainWindow() {
     if (!g.windowExists) return;
     g.windowExists = false;
-    if (g.texture) SDL_DestroyTexture(g.texture);
-    if (g.renderer) SDL_DestroyRenderer(g.renderer);
-    if (g.window) SDL_DestroyWindow(g.window);
-    g.texture = nullptr;
-    g.renderer = nullptr;
-    g.window = nullptr;
+    DestroyWindowObjects();
     SendMessage(WM_DESTROY, 0, 0);
 }
 

@@ -8,13 +8,7 @@ CDlgPanel::~CDlgPanel() = default;
 
 bool CDlgPanel::Load(const char* fileName, const char* archivePath) {
     CIni ini;
-    if (!ini.Open(fileName, archivePath) || ini.IsFailed()) {
-        ini.Close();
-        return false;
-    }
-    m_vecButtons.clear();
-    m_vecLabels.clear();
-    ReadPanelSection(ini, true);
+    if (!BeginLayout(ini, fileName, archivePath, true)) return false;
     AddButton(ini, "exitButton", false);
     AddButton(ini, "upButton", false);
     AddButton(ini, "downButton", false);

@@ -7,13 +7,8 @@ CMainMenuPanel::~CMainMenuPanel() = default;
 
 bool CMainMenuPanel::Load(const char* fileName, const char* archivePath) {
     CIni ini;
-    if (!ini.Open(fileName, archivePath) || ini.IsFailed()) {
-        ini.Close();
-        return false;
-    }
-    m_vecButtons.clear();
     // The main menu stands at the origin: its button positions are screen positions.
-    ReadPanelSection(ini, false);
+    if (!BeginLayout(ini, fileName, archivePath, false)) return false;
     for (const char* section : {"startButton", "loadButton", "aboutButton", "exitButton"})
         AddButton(ini, section, true);
     ini.Close();
@@ -25,12 +20,7 @@ CMenuPanel::~CMenuPanel() = default;
 
 bool CMenuPanel::Load(const char* fileName, const char* archivePath) {
     CIni ini;
-    if (!ini.Open(fileName, archivePath) || ini.IsFailed()) {
-        ini.Close();
-        return false;
-    }
-    m_vecButtons.clear();
-    ReadPanelSection(ini, true);
+    if (!BeginLayout(ini, fileName, archivePath, true)) return false;
     for (const char* section : {"backButton", "saveButton", "loadButton", "helpButton", "exitButton"})
         AddButton(ini, section, false);
     ini.Close();

@@ -107,6 +107,17 @@ void CPanel::DrawTooltip(int32_t x, int32_t y, const char* text, int32_t lineCha
     writer.Paragraph(text, std::strlen(text));
 }
 
+bool CPanel::BeginLayout(CIni& ini, const char* fileName, const char* archivePath, bool readPosition) {
+    if (!ini.Open(fileName, archivePath) || ini.IsFailed()) {
+        ini.Close();
+        return false;
+    }
+    m_vecButtons.clear();
+    m_vecLabels.clear();
+    ReadPanelSection(ini, readPosition);
+    return true;
+}
+
 void CPanel::ReadPanelSection(CIni& ini, bool readPosition) {
     m_strBgPic = ini.GetString("panel", "bgpic");
     m_nBgPack = 0;

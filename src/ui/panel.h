@@ -74,6 +74,9 @@ public:
 
 protected:
     // Layout helpers for the panels' Load operations.
+    // Opens a layout file and starts the panel anew: no buttons, no labels, the
+    // "panel" section read. False (and nothing changed) when the file failed.
+    bool BeginLayout(CIni& ini, const char* fileName, const char* archivePath, bool readPosition);
     void ReadPanelSection(CIni& ini, bool readPosition);
     void AddButton(CIni& ini, const char* section, bool readText1);
     void AddLabel(CIni& ini, const char* section, int centred);

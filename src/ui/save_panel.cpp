@@ -27,13 +27,7 @@ CSavePanel::~CSavePanel() = default;
 
 bool CSavePanel::Load(const char* fileName, const char* archivePath) {
     CIni ini;
-    if (!ini.Open(fileName, archivePath) || ini.IsFailed()) {
-        ini.Close();
-        return false;
-    }
-    m_vecButtons.clear();
-    m_vecLabels.clear();
-    ReadPanelSection(ini, true);
+    if (!BeginLayout(ini, fileName, archivePath, true)) return false;
     m_nWidth = ini.GetInt("panel", "w");
     m_nHeight = ini.GetInt("panel", "h");
     AddButton(ini, "exitButton", false);

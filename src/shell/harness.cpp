@@ -1,6 +1,5 @@
 #include "shell/harness.h"
 
-#include <png.h>
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -13,6 +12,7 @@
 #include <ctime>
 #include <sstream>
 
+#include "resources/png_file.h"
 #include "shell/clock.h"
 
 extern char** environ;
@@ -201,33 +201,13 @@ bool ParseReplay(const std::string& text, std::vector<SReplayEvent>& out, std::s
 }
 
 bool WritePng565(const char* path, const uint16_t* pixels, int width, int height) {
-    FILE* f = fopen(path, "wb");
-    if (!f) return false;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png ? png_create_info_struct(png) : nullptr;
-    if (!png || !info || setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        fclose(f);
-        return false;
+    std::vector<uint8_t> rgb(size_t(width) * size_t(height) * 3);
+    for (size_t i = 0; i < size_t(width) * size_t(height); ++i) {
+        uint16_t p = pixels[i];
+        int r = (p >> 11) & 31, g = (p >> 5) & 63, b = p & 31;
+        rgb[i * 3 + 0] = uint8_t((r << 3) | (r >> 2));
+        rgb[i * 3 + 1] = uint8_t((g << 2) | (g >> 4));
+        rgb[i * 3 + 2] = uint8_t((b << 3) | (b >> 2));
     }
-    png_init_io(png, f);
-    png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_write_info(png, info);
-    std::vector<uint8_t> row(size_t(width) * 3);
-    for (int y = 0; y < height; ++y) {
-        const uint16_t* src = pixels + size_t(y) * size_t(width);
-        for (int x = 0; x < width; ++x) {
-            uint16_t p = src[x];
-            int r = (p >> 11) & 31, g = (p >> 5) & 63, b = p & 31;
-            row[size_t(x) * 3 + 0] = uint8_t((r << 3) | (r >> 2));
-            row[size_t(x) * 3 + 1] = uint8_t((g << 2) | (g >> 4));
-            row[size_t(x) * 3 + 2] = uint8_t((b << 3) | (b >> 2));
-        }
-        png_write_row(png, row.data());
-    }
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    fclose(f);
-    return true;
+    return WritePngFile(path, width, height, 3, rgb.data());
 }

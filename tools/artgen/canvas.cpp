@@ -1,6 +1,7 @@
 #include "canvas.h"
 
-#include <png.h>
+#include "resources/png_file.h"
+
 #include <sys/stat.h>
 
 #include <cstdio>
@@ -88,38 +89,17 @@ std::vector<uint8_t> EncodeBmp(int w, int h, const std::vector<uint8_t>& rgb) {
 
 bool WritePng(const std::string& path, int w, int h, const std::vector<uint8_t>& rgb,
               bool keyTransparent) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return false;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    if (setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        std::fclose(f);
-        return false;
+    if (!keyTransparent) return WritePngFile(path.c_str(), w, h, 3, rgb.data());
+    std::vector<uint8_t> rgba(size_t(w) * size_t(h) * 4);
+    for (size_t i = 0; i < size_t(w) * size_t(h); ++i) {
+        const uint8_t* s = &rgb[i * 3];
+        uint8_t* d = &rgba[i * 4];
+        d[0] = s[0];
+        d[1] = s[1];
+        d[2] = s[2];
+        d[3] = (s[0] == 255 && s[1] == 0 && s[2] == 255) ? 0 : 255;
     }
-    png_init_io(png, f);
-    int channels = keyTransparent ? 4 : 3;
-    png_set_IHDR(png, info, uint32_t(w), uint32_t(h), 8,
-                 keyTransparent ? PNG_COLOR_TYPE_RGBA : PNG_COLOR_TYPE_RGB,
-                 PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
-    png_set_compression_level(png, 6);
-    png_write_info(png, info);
-    std::vector<uint8_t> row(size_t(w) * channels);
-    for (int y = 0; y < h; ++y) {
-        const uint8_t* s = &rgb[size_t(y) * w * 3];
-        for (int x = 0; x < w; ++x) {
-            uint8_t* d = &row[size_t(x) * channels];
-            d[0] = s[x * 3]; d[1] = s[x * 3 + 1]; d[2] = s[x * 3 + 2];
-            if (keyTransparent) {
-                bool key = d[0] == 255 && d[1] == 0 && d[2] == 255;
-                d[3] = key ? 0 : 255;
-            }
-        }
-        png_write_row(png, row.data());
-    }
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return std::fclose(f) == 0;
+    return WritePngFile(path.c_str(), w, h, 4, rgba.data());
 }
 
 bool WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {

@@ -5,13 +5,13 @@
 // Writes OUT_DIR/roles_<look>.png (every frame: one row per action and direction,
 // steps left to right), OUT_DIR/roles_overview.png (first standing frame of every
 // look in the eight directions) and OUT_DIR/faces.png, on a grass-coloured ground.
-#include <png.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
 #include "bmp.h"
+#include "resources/png_file.h"
 #include "role_desc.h"
 
 namespace fs = std::filesystem;
@@ -20,28 +20,11 @@ using namespace rolegen;
 namespace {
 
 bool WritePng(const std::string& path, const Image& img) {
-    FILE* f = std::fopen(path.c_str(), "wb");
-    if (!f) return false;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    if (setjmp(png_jmpbuf(png))) {
-        png_destroy_write_struct(&png, &info);
-        std::fclose(f);
-        return false;
-    }
-    png_init_io(png, f);
-    png_set_IHDR(png, info, img.w, img.h, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    png_write_info(png, info);
-    std::vector<uint8_t> row(static_cast<size_t>(img.w) * 3);
-    for (int y = 0; y < img.h; ++y) {
+    std::vector<uint8_t> rgb(static_cast<size_t>(img.w) * img.h * 3);
+    for (int y = 0; y < img.h; ++y)
         for (int x = 0; x < img.w; ++x)
-            for (int c = 0; c < 3; ++c) row[x * 3 + c] = img.At(x, y)[c];
-        png_write_row(png, row.data());
-    }
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return std::fclose(f) == 0;
+            for (int c = 0; c < 3; ++c) rgb[(static_cast<size_t>(y) * img.w + x) * 3 + c] = img.At(x, y)[c];
+    return WritePngFile(path.c_str(), img.w, img.h, 3, rgb.data());
 }
 
 struct Sheet {

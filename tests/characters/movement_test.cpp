@@ -1,6 +1,7 @@
 // Movement: facing sectors, walking, arrival, blocking, the MP cost of running,
 // NPC detours and the cheap movement.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -19,7 +20,7 @@ class Walkers : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         s_old = fs::current_path();
-        const fs::path dir = fs::temp_directory_path() / "ashen_walkers";
+        const fs::path dir = fs::temp_directory_path() / ("ashen_walkers_" + std::to_string(getpid()));
         fs::create_directories(dir / "data");
         fs::current_path(dir);
         std::vector<SRoleAction> actions(3);

@@ -1,6 +1,7 @@
 // The world end to end: the real game, headless, warped onto a map, steered by a
 // replayed mouse; the dumped state and the frames are checked.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -41,7 +42,7 @@ SRun RunGame(const std::string& name, const std::string& warp, int frames, const
 }
 
 fs::path ShotDir() {
-    const fs::path dir = fs::temp_directory_path() / "ashen_world_shots";
+    const fs::path dir = fs::temp_directory_path() / ("ashen_world_shots_" + std::to_string(getpid()));
     fs::create_directories(dir);
     return dir;
 }

@@ -1,5 +1,6 @@
 // The harness's flags and replay files, and the PNG frame dump.
 #include <gtest/gtest.h>
+#include <unistd.h>
 #include <png.h>
 
 #include <cstdio>
@@ -93,7 +94,7 @@ TEST(Harness, PngDumpRoundTripsPureColours) {
     px[0] = 0xF800;              // red
     px[1] = 0x07E0;              // green
     px[640 * 479 + 639] = 0xFFFF;  // white
-    std::string path = (std::filesystem::temp_directory_path() / "ashen_png_test.png").string();
+    std::string path = (std::filesystem::temp_directory_path() / ("ashen_png_test.png_" + std::to_string(getpid()))).string();
     ASSERT_TRUE(WritePng565(path.c_str(), px.data(), 640, 480));
     png_image img;
     memset(&img, 0, sizeof(img));

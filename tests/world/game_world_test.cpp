@@ -1,6 +1,7 @@
 // The game's world step: picking characters, the hero's probe against the map
 // and the role layer, exits starting a map change, the state dump.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -51,7 +52,7 @@ class GameWorld : public ::testing::Test {
 protected:
     void SetUp() override {
         m_old = fs::current_path();
-        m_dir = fs::temp_directory_path() / "ashen_game_world";
+        m_dir = fs::temp_directory_path() / ("ashen_game_world_" + std::to_string(getpid()));
         fs::remove_all(m_dir);
         fs::create_directories(m_dir / "data");
         fs::current_path(m_dir);

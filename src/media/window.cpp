@@ -126,7 +126,12 @@ void FreeCursors() {
 }
 
 void DestroyWindowObjects() {
-    DestroyWindowObjects();
+    if (g.texture) SDL_DestroyTexture(g.texture);
+    if (g.renderer) SDL_DestroyRenderer(g.renderer);
+    if (g.window) SDL_DestroyWindow(g.window);
+    g.texture = nullptr;
+    g.renderer = nullptr;
+    g.window = nullptr;
 }
 
 void Pump() {

@@ -78,7 +78,12 @@ bool ParseInts(const std::string& s, std::vector<int32_t>& out) {
 
 }  // namespace
 
-bool ReadObjectManifest(const std::string& path, SManifest& m, std::string& error) {
+namespace {
+
+// Calls each(fields, number) for every manifest line that is neither empty nor a
+// comment; stops with false as soon as a call does.
+template <class F>
+bool ForEachManifestLine(const std::string& path, std::string& error, F each) {
     std::string text;
     if (!ReadFile(path, text)) {
         error = path + ": cannot be read";
@@ -92,6 +97,15 @@ bool ReadObjectManifest(const std::string& path, SManifest& m, std::string& erro
         if (!line.empty() && line.back() == '\r') line.pop_back();
         if (line.empty() || line[0] == '#') continue;
         std::stringstream fields(line);
+        if (!each(fields, number)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool ReadObjectManifest(const std::string& path, SManifest& m, std::string& error) {
+    return ForEachManifestLine(path, error, [&](std::stringstream& fields, int number) {
         std::string field;
         SManifestObject o;
         bool hasRect = false;
@@ -136,31 +150,20 @@ bool ReadObjectManifest(const std::string& path, SManifest& m, std::string& erro
             return false;
         }
         m.objects[o.name] = o;
-    }
-    return true;
+        return true;
+    });
 }
 
 bool ReadTileManifest(const std::string& path, SManifest& m, std::string& error) {
-    std::string text;
-    if (!ReadFile(path, text)) {
-        error = path + ": cannot be read";
-        return false;
-    }
-    std::stringstream lines(text);
-    std::string line;
-    int number = 0;
-    while (std::getline(lines, line)) {
-        ++number;
-        if (line.empty() || line[0] == '#') continue;
-        std::stringstream fields(line);
+    return ForEachManifestLine(path, error, [&](std::stringstream& fields, int number) {
         int type = 0, k = 0, sx = 0, sy = 0;
         if (!(fields >> type >> k >> sx >> sy)) {
             error = path + ":" + std::to_string(number) + ": expected <type> <k> <sheet x> <sheet y> ...";
             return false;
         }
         m.tiles[{type, k}] = {sx, sy};
-    }
-    return true;
+        return true;
+    });
 }
 
 namespace {

@@ -101,8 +101,7 @@ CGame::~CGame() {
     m_pShow = nullptr;
     delete m_pCursor;
     m_pCursor = nullptr;
-    delete m_pReplay;
-    m_pReplay = nullptr;
+    HarnessStop();  // the replay state is only complete in the harness's own file
     // 7. The engine log.
     delete m_pLog;
     m_pLog = nullptr;

@@ -73,8 +73,12 @@ TEST(EngineLog, FileHasOneHeaderCrLfEndsAndCutsLongMessages) {
     EXPECT_NE(text.find("(2011/3/1  28:30:9:"), std::string::npos);
     EXPECT_NE(text.find(")----->line a\r\n"), std::string::npos);
     // Every LF is preceded by CR; no bare LF.
-    for (size_t i = 0; i < text.size(); ++i)
-        if (text[i] == '\n') ASSERT_EQ(text[i - 1], '\r') << "at " << i;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n') {
+            ASSERT_GT(i, 0u);
+            ASSERT_EQ(text[i - 1], '\r') << "at " << i;
+        }
+    }
     // The long message is cut at 1023 bytes.
     size_t z = text.find("zzz");
     ASSERT_NE(z, std::string::npos);

@@ -87,9 +87,37 @@ std::vector<uint8_t> EncodeBmp(int w, int h, const std::vector<uint8_t>& rgb) {
     return b;
 }
 
+namespace {
+
+std::vector<uint8_t> ReadAll(const std::string& path) {
+    std::vector<uint8_t> bytes;
+    if (FILE* f = std::fopen(path.c_str(), "rb")) {
+        uint8_t buf[65536];
+        size_t n;
+        while ((n = std::fread(buf, 1, sizeof buf, f)) > 0) bytes.insert(bytes.end(), buf, buf + n);
+        std::fclose(f);
+    }
+    return bytes;
+}
+
+// Writes the PNG beside its target and keeps the old file when nothing changed, so
+// rebuilding the art leaves the tileset previews in the source tree untouched.
+bool WritePngIfChanged(const std::string& path, int w, int h, int channels, const uint8_t* pixels) {
+    const std::string tmp = path + ".new";
+    if (!WritePngFile(tmp.c_str(), w, h, channels, pixels)) {
+        std::remove(tmp.c_str());
+        return false;
+    }
+    struct stat st;
+    if (::stat(path.c_str(), &st) == 0 && ReadAll(tmp) == ReadAll(path)) return std::remove(tmp.c_str()) == 0;
+    return std::rename(tmp.c_str(), path.c_str()) == 0;
+}
+
+}  // namespace
+
 bool WritePng(const std::string& path, int w, int h, const std::vector<uint8_t>& rgb,
               bool keyTransparent) {
-    if (!keyTransparent) return WritePngFile(path.c_str(), w, h, 3, rgb.data());
+    if (!keyTransparent) return WritePngIfChanged(path, w, h, 3, rgb.data());
     std::vector<uint8_t> rgba(size_t(w) * size_t(h) * 4);
     for (size_t i = 0; i < size_t(w) * size_t(h); ++i) {
         const uint8_t* s = &rgb[i * 3];
@@ -99,10 +127,12 @@ bool WritePng(const std::string& path, int w, int h, const std::vector<uint8_t>&
         d[2] = s[2];
         d[3] = (s[0] == 255 && s[1] == 0 && s[2] == 255) ? 0 : 255;
     }
-    return WritePngFile(path.c_str(), w, h, 4, rgba.data());
+    return WritePngIfChanged(path, w, h, 4, rgba.data());
 }
 
 bool WriteFile(const std::string& path, const std::vector<uint8_t>& bytes) {
+    struct stat st;
+    if (::stat(path.c_str(), &st) == 0 && size_t(st.st_size) == bytes.size() && ReadAll(path) == bytes) return true;
     FILE* f = std::fopen(path.c_str(), "wb");
     if (!f) return false;
     size_t n = bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), f);

@@ -120,6 +120,7 @@ std::vector<uint8_t> ToRgb8(const Img& im);
 bool NearKey(uint8_t r, uint8_t g, uint8_t b);
 
 std::vector<uint8_t> EncodeBmp(int w, int h, const std::vector<uint8_t>& rgb);
+// Both writers leave a file alone when it already holds exactly these bytes.
 bool WritePng(const std::string& path, int w, int h, const std::vector<uint8_t>& rgb,
               bool keyTransparent);
 bool WriteFile(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -161,30 +161,28 @@ void CGraph::FillRect(int dst, const SRect* rect, uint16_t value) {
     for (int32_t y = r.top; y < r.bottom; ++y) std::fill_n(d->Row(y) + r.left, r.right - r.left, value);
 }
 
+namespace {
+// One axis of BltClipped: a cut at the low edge wins over a cut at the high edge,
+// and the high cut also applies when the span ends exactly on the limit.
+void ClipSpan(int32_t& pos, int32_t size, int32_t limit, int32_t srcStart, int32_t& lo, int32_t& hi) {
+    lo = srcStart;
+    if (pos < 0) {
+        lo = srcStart - pos;
+        hi = srcStart + size;
+        pos = 0;
+    } else if (pos + size >= limit) {
+        hi = srcStart - pos + limit;
+    } else {
+        hi = srcStart + size;
+    }
+}
+}  // namespace
+
 void CGraph::BltClipped(int dst, int32_t dstW, int32_t dstH, int src, uint32_t flags, int32_t x, int32_t y,
                         int32_t srcLeft, int32_t srcTop, int32_t w, int32_t h) {
     SRect sr;
-    sr.left = srcLeft;
-    sr.top = srcTop;
-    // Horizontal: a cut on the left wins over a cut on the right.
-    if (x < 0) {
-        sr.left = srcLeft - x;
-        sr.right = srcLeft + w;
-        x = 0;
-    } else if (x + w >= dstW) {
-        sr.right = srcLeft - x + dstW;
-    } else {
-        sr.right = srcLeft + w;
-    }
-    if (y < 0) {
-        sr.top = srcTop - y;
-        sr.bottom = srcTop + h;
-        y = 0;
-    } else if (y + h >= dstH) {
-        sr.bottom = srcTop - y + dstH;
-    } else {
-        sr.bottom = srcTop + h;
-    }
+    ClipSpan(x, w, dstW, srcLeft, sr.left, sr.right);
+    ClipSpan(y, h, dstH, srcTop, sr.top, sr.bottom);
     BltFast(dst, x, y, src, sr, flags);
 }
 

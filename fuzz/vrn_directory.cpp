@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "resources/vrn_file.h"
-#include "shell/message_box.h"
+#include "base/message_box.h"
 
 namespace {
 void Quiet(const char*, const char*, int) {}

@@ -12,8 +12,8 @@
 #include "media/window.h"
 #include "shell/game.h"
 #include "shell/harness.h"
-#include "shell/log.h"
-#include "shell/message_box.h"
+#include "base/log.h"
+#include "base/message_box.h"
 
 int main(int argc, char** argv) {
     std::string commandLine;

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "characters/role.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 
 int32_t CRole::s_nWalkCounter = 0;
 

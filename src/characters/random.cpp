@@ -1,6 +1,6 @@
 #include "characters/random.h"
 
-#include "shell/clock.h"
+#include "base/clock.h"
 
 void CRandom::Seed(int32_t seed) {
     if (seed > 0) {

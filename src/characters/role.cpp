@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "media/graph.h"
-#include "shell/debug.h"
-#include "shell/log.h"
-#include "shell/paths.h"
+#include "base/debug.h"
+#include "base/log.h"
+#include "base/paths.h"
 
 namespace {
 struct SFileCloser {

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class CLog;
 class CSkill;

@@ -10,7 +10,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "shell/paths.h"
+#include "base/paths.h"
 
 constexpr uint32_t kItemDbMagic = 0x69746532;   // "2eti"
 constexpr uint32_t kSkillDbMagic = 0x736B6C32;  // "2lks"

@@ -15,7 +15,7 @@
 #include "media/text.h"
 #include "media/window.h"
 #include "resources/vrn_file.h"
-#include "shell/log.h"
+#include "base/log.h"
 
 CGraph* g_pGraph = nullptr;
 

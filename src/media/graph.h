@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "media/surface.h"
-#include "shell/types.h"
+#include "base/types.h"
 
 class CLog;
 class CVRN_File;

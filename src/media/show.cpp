@@ -13,8 +13,8 @@
 
 #include "media/mixer.h"
 #include "media/window.h"
-#include "shell/paths.h"
-#include "shell/types.h"
+#include "base/paths.h"
+#include "base/types.h"
 
 namespace {
 

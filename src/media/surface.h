@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 constexpr uint16_t KEY565 = 0xF81F;  // magenta RGB(255, 0, 255) in 5-6-5
 

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "shell/gbk.h"
-#include "shell/log.h"
+#include "base/gbk.h"
+#include "base/log.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 
 #include "media/graph.h"
 #include "media/surface.h"
-#include "shell/types.h"
+#include "base/types.h"
 
 class CLog;
 struct _TTF_Font;

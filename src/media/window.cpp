@@ -7,8 +7,8 @@
 #include <deque>
 
 #include "media/cursor_ani.h"
-#include "shell/gbk.h"
-#include "shell/message_box.h"
+#include "base/gbk.h"
+#include "base/message_box.h"
 
 namespace platform {
 namespace {

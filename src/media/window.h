@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 struct SMsg {
     uint32_t message = 0;

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "resources/vrn_file.h"
-#include "shell/paths.h"
+#include "base/paths.h"
 
 namespace {
 

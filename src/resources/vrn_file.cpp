@@ -6,10 +6,10 @@
 #include <deque>
 
 #include "resources/lz77.h"
-#include "shell/gbk.h"
-#include "shell/log.h"
-#include "shell/message_box.h"
-#include "shell/paths.h"
+#include "base/gbk.h"
+#include "base/log.h"
+#include "base/message_box.h"
+#include "base/paths.h"
 
 namespace {
 

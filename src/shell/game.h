@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class CLog;
 class CGraph;

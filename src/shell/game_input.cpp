@@ -4,7 +4,7 @@
 #include "media/graph.h"
 #include "media/show.h"
 #include "media/window.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
 
 int CGame::OnKeyDown(int key) {

@@ -9,8 +9,8 @@
 #include "media/sound.h"
 #include "media/window.h"
 #include "resources/picture_ref.h"
-#include "shell/clock.h"
-#include "shell/debug.h"
+#include "base/clock.h"
+#include "base/debug.h"
 #include "shell/game.h"
 
 namespace {

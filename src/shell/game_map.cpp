@@ -8,11 +8,11 @@
 #include "media/mouse.h"
 #include "media/show.h"
 #include "media/window.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
-#include "shell/log.h"
-#include "shell/message_box.h"
-#include "shell/paths.h"
+#include "base/log.h"
+#include "base/message_box.h"
+#include "base/paths.h"
 #include "world/map.h"
 
 void CGame::CreateWorld() { m_pMap = new CMap(); }

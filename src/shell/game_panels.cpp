@@ -5,7 +5,7 @@
 #include "media/show.h"
 #include "media/sound.h"
 #include "shell/game.h"
-#include "shell/log.h"
+#include "base/log.h"
 #include "ui/button.h"
 #include "ui/dlg_panel.h"
 #include "ui/menu_panels.h"

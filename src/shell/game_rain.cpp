@@ -3,7 +3,7 @@
 
 #include "characters/random.h"
 #include "media/graph.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
 
 void CGame::StartRain() {

@@ -5,7 +5,7 @@
 
 #include "media/graph.h"
 #include "shell/game.h"
-#include "shell/paths.h"
+#include "base/paths.h"
 #include "ui/save_panel.h"
 
 namespace {

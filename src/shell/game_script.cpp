@@ -1,7 +1,7 @@
 // CGame: running story scripts. The script interpreter is not part of the engine
 // yet: RunScript reports that no script could be run, so callers take their
 // fallbacks (a new game starts on "main.map").
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
 
 int CGame::RunScript(const char* name, int quiet) {

@@ -14,12 +14,12 @@
 #include "media/sound.h"
 #include "media/window.h"
 #include "resources/ini.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
-#include "shell/gbk.h"
-#include "shell/log.h"
-#include "shell/message_box.h"
-#include "shell/paths.h"
+#include "base/gbk.h"
+#include "base/log.h"
+#include "base/message_box.h"
+#include "base/paths.h"
 
 CGame* g_pGame = nullptr;
 TCDataBase<SItemInfo>* g_pItemDB = nullptr;

@@ -6,7 +6,7 @@
 #include "characters/role.h"
 #include "media/graph.h"
 #include "media/window.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "shell/game.h"
 #include "world/map.h"
 

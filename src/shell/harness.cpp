@@ -13,7 +13,7 @@
 #include <sstream>
 
 #include "resources/png_file.h"
-#include "shell/clock.h"
+#include "base/clock.h"
 
 extern char** environ;
 

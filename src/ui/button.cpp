@@ -4,7 +4,7 @@
 
 #include "media/graph.h"
 #include "media/sound.h"
-#include "shell/debug.h"
+#include "base/debug.h"
 #include "ui/panel.h"
 
 CSound* g_pButtonOverSound = nullptr;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class CSound;
 

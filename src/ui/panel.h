@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 #include "ui/button.h"
 
 class CIni;

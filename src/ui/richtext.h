@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class CGraph;
 

@@ -5,7 +5,7 @@
 
 #include "media/graph.h"
 #include "resources/ini.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 constexpr size_t kMagicSize = 4;

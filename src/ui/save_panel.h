@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "shell/clock.h"
+#include "base/clock.h"
 #include "ui/panel.h"
 
 constexpr int SAVE_SLOT_COUNT = 6;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "media/surface.h"
-#include "shell/clock.h"
+#include "base/clock.h"
 
 // "<dir>/screenshot/<y><m><d><h+8><min><s><ms>.jpg", numbers unpadded.
 std::string ScreenShotFileName(const char* workingDir, const SSystemTime& t);

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class IRichTextSink;
 

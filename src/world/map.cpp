@@ -6,10 +6,10 @@
 #include <cstring>
 
 #include "resources/ini.h"
-#include "shell/debug.h"
-#include "shell/gbk.h"
-#include "shell/log.h"
-#include "shell/message_box.h"
+#include "base/debug.h"
+#include "base/gbk.h"
+#include "base/log.h"
+#include "base/message_box.h"
 
 CMap::CMap() : m_pLog(std::make_unique<CLog>("GameEngine.log", false)) {}
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/types.h"
+#include "base/types.h"
 
 class CIni;
 class CLog;

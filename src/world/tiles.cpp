@@ -6,8 +6,8 @@
 
 #include "media/graph.h"
 #include "resources/ini.h"
-#include "shell/gbk.h"
-#include "shell/log.h"
+#include "base/gbk.h"
+#include "base/log.h"
 #include "world/map.h"
 
 std::string TileName(int type, const char* prefix, int first, int last, const char* pad, int k) {

@@ -19,7 +19,7 @@
 #include "media/cursor_ani.h"
 #include "resources/bmp.h"
 #include "resources/ini.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace fs = std::filesystem;
 

@@ -8,7 +8,7 @@
 #include <iterator>
 
 #include "items/database.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 

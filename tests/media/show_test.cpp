@@ -9,7 +9,7 @@
 #include "media/show.h"
 #include "media/window.h"
 #include "media_test_util.h"
-#include "shell/types.h"
+#include "base/types.h"
 #include "wav_util.h"
 
 namespace {

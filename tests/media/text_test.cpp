@@ -5,7 +5,7 @@
 #include "media/graph.h"
 #include "media/text.h"
 #include "media_test_util.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/message_box.h"
+#include "base/message_box.h"
 
 namespace restest {
 

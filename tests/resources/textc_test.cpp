@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "res_test_util.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 

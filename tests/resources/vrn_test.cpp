@@ -7,7 +7,7 @@
 #include "resources/lz77.h"
 #include "resources/vrn_file.h"
 #include "resources/vrn_writer.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include "characters/role.h"
 #include "media/window.h"
-#include "shell/clock.h"
+#include "base/clock.h"
 #include "shell/game.h"
 
 namespace {

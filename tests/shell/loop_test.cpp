@@ -8,7 +8,7 @@
 
 #include "media/graph.h"
 #include "media/window.h"
-#include "shell/clock.h"
+#include "base/clock.h"
 #include "shell/game.h"
 
 namespace {

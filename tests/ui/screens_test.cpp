@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/clock.h"
+#include "base/clock.h"
 #include "ui/screenshot.h"
 #include "ui/text_page.h"
 #include "ui_test_util.h"

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "shell/gbk.h"
-#include "shell/message_box.h"
+#include "base/gbk.h"
+#include "base/message_box.h"
 #include "world/map.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <string>
 
-#include "shell/gbk.h"
+#include "base/gbk.h"
 #include "world/map.h"
 
 namespace fs = std::filesystem;

@@ -10,7 +10,7 @@
 #include "noise.h"
 #include "output.h"
 #include "recipes.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace art {
 namespace {

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "items/database.h"
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace fs = std::filesystem;
 

@@ -8,7 +8,7 @@
 #include <set>
 #include <sstream>
 
-#include "shell/gbk.h"
+#include "base/gbk.h"
 #include "xml.h"
 
 namespace {

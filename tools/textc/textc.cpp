@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace fs = std::filesystem;
 

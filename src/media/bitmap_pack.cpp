@@ -6,8 +6,8 @@
 #include "media/graph.h"
 #include "resources/bmp.h"
 #include "resources/vrn_file.h"
-#include "shell/debug.h"
-#include "shell/log.h"
+#include "base/debug.h"
+#include "base/log.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "shell/log.h"
+#include "base/log.h"
 
 #include <csignal>
 #include <cstdio>
@@ -6,9 +6,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "shell/clock.h"
-#include "shell/gbk.h"
-#include "shell/paths.h"
+#include "base/clock.h"
+#include "base/gbk.h"
+#include "base/paths.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <sstream>
 #include <string>
 
-#include "shell/clock.h"
-#include "shell/gbk.h"
-#include "shell/log.h"
+#include "base/clock.h"
+#include "base/gbk.h"
+#include "base/log.h"
 
 namespace fs = std::filesystem;
 

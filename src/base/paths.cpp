@@ -1,4 +1,4 @@
-#include "shell/paths.h"
+#include "base/paths.h"
 
 std::string HostPath(const char* gameName) {
     std::string s = gameName ? gameName : "";

@@ -1,8 +1,8 @@
-#include "shell/message_box.h"
+#include "base/message_box.h"
 
 #include <cstdio>
 
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 namespace {
 MessageBoxHandler g_handler = nullptr;

@@ -1,4 +1,4 @@
-#include "shell/gbk.h"
+#include "base/gbk.h"
 
 #include <iconv.h>
 

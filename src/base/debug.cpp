@@ -1,4 +1,4 @@
-#include "shell/debug.h"
+#include "base/debug.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,0 +1,108 @@
+// The engine's folders form layers: a folder may include its own headers and those
+// of the folders below it, never one above. This test holds the table and scans
+// every source file under src/ for quoted includes that break it.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Bottom to top. Each folder may include itself and every folder listed before it.
+const std::vector<std::string> kLayers = {"base",  "resources", "media", "world", "characters",
+                                          "items", "script",    "ui",    "shell"};
+// Entry points sit above every layer.
+const std::set<std::string> kTop = {"main.cpp", "launcher"};
+
+struct SViolation {
+    std::string file;
+    int line;
+    std::string include;
+};
+
+// The first path component of a quoted include ("world/map.h" -> "world"), or ""
+// for an include without a folder.
+std::string IncludedFolder(const std::string& line) {
+    size_t p = line.find_first_not_of(" \t");
+    if (p == std::string::npos || line.compare(p, 1, "#") != 0) return "";
+    p = line.find_first_not_of(" \t", p + 1);
+    if (p == std::string::npos || line.compare(p, 7, "include") != 0) return "";
+    size_t q = line.find('"', p);
+    if (q == std::string::npos) return "";
+    size_t slash = line.find('/', q + 1);
+    size_t end = line.find('"', q + 1);
+    if (slash == std::string::npos || end == std::string::npos || slash > end) return "";
+    return line.substr(q + 1, slash - q - 1);
+}
+
+// Scans a source tree laid out as <root>/<folder>/... and reports every include of
+// a folder that lies above the including file's own folder. Includes that do not
+// name a known layer (system headers, relative includes) are not judged.
+std::vector<SViolation> ScanLayers(const fs::path& root) {
+    std::map<std::string, size_t> rank;
+    for (size_t i = 0; i < kLayers.size(); ++i) rank[kLayers[i]] = i;
+    std::vector<SViolation> out;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (!entry.is_regular_file()) continue;
+        const std::string ext = entry.path().extension().string();
+        if (ext != ".h" && ext != ".cpp") continue;
+        const fs::path rel = fs::relative(entry.path(), root);
+        const std::string top = rel.begin()->string();
+        if (kTop.count(top)) continue;
+        auto own = rank.find(top);
+        if (own == rank.end()) {
+            out.push_back({rel.string(), 0, "(folder not in the layer table)"});
+            continue;
+        }
+        std::ifstream in(entry.path());
+        std::string line;
+        int n = 0;
+        while (std::getline(in, line)) {
+            ++n;
+            const std::string folder = IncludedFolder(line);
+            auto inc = rank.find(folder);
+            if (inc != rank.end() && inc->second > own->second) out.push_back({rel.string(), n, line});
+        }
+    }
+    return out;
+}
+
+std::string Describe(const std::vector<SViolation>& v) {
+    std::string s;
+    for (const auto& x : v) s += x.file + ":" + std::to_string(x.line) + ": " + x.include + "\n";
+    return s;
+}
+
+void Write(const fs::path& p, const std::string& text) {
+    fs::create_directories(p.parent_path());
+    std::ofstream(p) << text;
+}
+
+}  // namespace
+
+TEST(Layering, NoFolderIncludesAFolderAboveIt) {
+    const auto violations = ScanLayers(fs::path(ASHEN_SOURCE_DIR) / "src");
+    EXPECT_TRUE(violations.empty()) << "upward includes:\n" << Describe(violations);
+}
+
+TEST(Layering, ScannerCatchesUpwardIncludesAndUnknownFolders) {
+    const fs::path root = fs::current_path() / "layers";
+    Write(root / "base" / "a.h", "#include <string>\n#include \"base/b.h\"\n");
+    Write(root / "world" / "map.cpp", "#include \"media/graph.h\"\n  #  include \"shell/game.h\"\n");
+    Write(root / "ui" / "panel.cpp", "#include \"script/talk.h\"\n#include \"ui/button.h\"\n");
+    Write(root / "items" / "x.cpp", "// #include \"shell/game.h\" in a comment is not an include\n");
+    Write(root / "main.cpp", "#include \"shell/game.h\"\n");
+    Write(root / "extra" / "y.cpp", "\n");
+    const auto v = ScanLayers(root);
+    ASSERT_EQ(v.size(), 2u) << Describe(v);
+    std::set<std::string> files;
+    for (const auto& x : v) files.insert(x.file + ":" + std::to_string(x.line));
+    EXPECT_TRUE(files.count("world/map.cpp:2"));
+    EXPECT_TRUE(files.count("extra/y.cpp:0"));
+}

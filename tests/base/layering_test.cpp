@@ -15,8 +15,11 @@ namespace fs = std::filesystem;
 namespace {
 
 // Bottom to top. Each folder may include itself and every folder listed before it.
-const std::vector<std::string> kLayers = {"base",  "resources", "media", "world", "characters",
-                                          "items", "script",    "ui",    "shell"};
+// Items sit below characters because a role carries its bag, its equipment and its
+// skills (whose records are in the skill database); ui sits below script because the
+// dialogue box and the story commands drive panels.
+const std::vector<std::string> kLayers = {"base",       "resources", "media",  "world", "items",
+                                          "characters", "ui",        "script", "shell"};
 // Entry points sit above every layer.
 const std::set<std::string> kTop = {"main.cpp", "launcher"};
 
@@ -95,14 +98,17 @@ TEST(Layering, ScannerCatchesUpwardIncludesAndUnknownFolders) {
     const fs::path root = fs::current_path() / "layers";
     Write(root / "base" / "a.h", "#include <string>\n#include \"base/b.h\"\n");
     Write(root / "world" / "map.cpp", "#include \"media/graph.h\"\n  #  include \"shell/game.h\"\n");
-    Write(root / "ui" / "panel.cpp", "#include \"script/talk.h\"\n#include \"ui/button.h\"\n");
+    Write(root / "ui" / "panel.cpp", "#include \"ui/button.h\"\n#include \"script/mission.h\"\n");
+    Write(root / "characters" / "role.cpp", "#include \"items/database.h\"\n#include \"ui/hud.h\"\n");
     Write(root / "items" / "x.cpp", "// #include \"shell/game.h\" in a comment is not an include\n");
     Write(root / "main.cpp", "#include \"shell/game.h\"\n");
     Write(root / "extra" / "y.cpp", "\n");
     const auto v = ScanLayers(root);
-    ASSERT_EQ(v.size(), 2u) << Describe(v);
+    ASSERT_EQ(v.size(), 4u) << Describe(v);
     std::set<std::string> files;
     for (const auto& x : v) files.insert(x.file + ":" + std::to_string(x.line));
     EXPECT_TRUE(files.count("world/map.cpp:2"));
+    EXPECT_TRUE(files.count("ui/panel.cpp:2"));
+    EXPECT_TRUE(files.count("characters/role.cpp:2"));
     EXPECT_TRUE(files.count("extra/y.cpp:0"));
 }

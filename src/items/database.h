@@ -159,3 +159,8 @@ private:
 
 using CItemDataBase = TCDataBase<SItemInfo>;
 using CSkillDataBase = TCDataBase<SSkillInfo>;
+
+// The game's two databases, for code without a game pointer (set by the game
+// object at construction, null before and after it).
+extern CItemDataBase* g_pItemDB;
+extern CSkillDataBase* g_pSkillDB;

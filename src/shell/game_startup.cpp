@@ -22,8 +22,6 @@
 #include "base/paths.h"
 
 CGame* g_pGame = nullptr;
-TCDataBase<SItemInfo>* g_pItemDB = nullptr;
-TCDataBase<SSkillInfo>* g_pSkillDB = nullptr;
 
 namespace {
 

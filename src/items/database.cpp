@@ -1,0 +1,4 @@
+#include "items/database.h"
+
+CItemDataBase* g_pItemDB = nullptr;
+CSkillDataBase* g_pSkillDB = nullptr;

@@ -4,7 +4,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "characters/skill.h"
 #include "media/graph.h"
+#include "media/sound.h"
 #include "base/debug.h"
 #include "base/log.h"
 #include "base/paths.h"
@@ -78,6 +80,14 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
     std::snprintf(m_szFightSound, sizeof m_szFightSound, "%s", "role_fight.wav");
     m_x = x;
     m_y = y;
+    // Skill 1 at level 1 is every role's basic blow; the four sound channels.
+    // Made before the file is read, so a role without pictures still has them.
+    m_pSkill = new CSkill();
+    m_pSkill->Set(1, 1);
+    m_pItemSound = new CSound();
+    m_pLevelSound = new CSound();
+    m_pFightSound = new CSound();
+    m_pSkillSound = new CSound();
     const std::string path = HostPath(std::string("data\\") + (fileName ? fileName : ""));
     if (!ReadRoleFile(path.c_str(), m_header, m_actions, m_frames)) {
         m_actions.clear();
@@ -99,7 +109,13 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
     }
 }
 
-CRole::~CRole() = default;
+CRole::~CRole() {
+    delete m_pSkill;
+    delete m_pItemSound;
+    delete m_pLevelSound;
+    delete m_pFightSound;
+    delete m_pSkillSound;
+}
 
 int CRole::FindAction(const char* name) const {
     for (size_t i = 0; i < m_actions.size(); ++i)
@@ -196,7 +212,8 @@ void CRole::Update(uint32_t stepWord) {
     } else if (std::strcmp(m_szState, "die") == 0) {
         DieTick();
     }
-    // "fight" and the skill animation are driven by combat.
+    // "fight" is driven by combat. A running strike shows its next frame.
+    if (m_pSkill && m_pSkill->IsRunning()) m_pSkill->DrawNextFrame();
 }
 
 SRect CRole::GetRect() const {
@@ -232,12 +249,12 @@ void CRole::GetInfo(SRoleInfo& out) const {
     out.hitRate = m_nHitRate;
     out.bag = m_pBag;
     out.equipment = m_pEquipment;
-    out.skillId = 0;
-    out.skillLevel = 0;
+    out.skillId = m_pSkill ? m_pSkill->Id() : 0;
+    out.skillLevel = m_pSkill ? m_pSkill->Level() : 0;
     out.skills = m_vecSkills;
 }
 
-void CRole::SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment) {
+void CRole::SetInfo(const SRoleInfo& info, CUserItemPack* bag, CWeaponItemPack* equipment) {
     m_x = info.x;
     m_y = info.y;
     m_nDir = info.direction;
@@ -254,6 +271,9 @@ void CRole::SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment)
     m_nMoral = info.moral;
     m_nHitRate = info.hitRate;
     m_vecSkills = info.skills;
+    if (!m_pSkill) m_pSkill = new CSkill();
+    m_pSkill->StopAnimation();
+    m_pSkill->Set(info.skillId, info.skillLevel);
     m_pBag = bag;
     m_pEquipment = equipment;
     m_pFightTarget = nullptr;

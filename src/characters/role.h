@@ -13,7 +13,8 @@
 
 class CLog;
 class CSkill;
-class CItemPack;
+class CUserItemPack;
+class CWeaponItemPack;
 class CSound;
 
 #pragma pack(push, 1)
@@ -58,8 +59,8 @@ bool WriteRoleFile(const char* hostPath, const std::vector<SRoleAction>& actions
 // The snapshot used by saved games and panels.
 struct SRoleInfo {
     int32_t x, y, direction, money, level, maxHp, hp, maxMp, mp, nextExp, exp, attack, defence, moral, hitRate;
-    CItemPack* bag;
-    CItemPack* equipment;
+    CUserItemPack* bag;
+    CWeaponItemPack* equipment;
     int32_t skillId, skillLevel;
     std::vector<std::pair<int32_t, int32_t>> skills;
 };
@@ -88,8 +89,49 @@ public:
     void SetHighlight(int flag) { m_bHighlight = flag; }
     float GetHPRatio() const { return m_nMaxHp ? float(m_nHp) / float(m_nMaxHp) : 0.0f; }
     void GetInfo(SRoleInfo& out) const;
-    void SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment);
+    // Takes everything from the record except its bag and equipment words; the
+    // given packs become the role's (not owned, see m_pBag).
+    void SetInfo(const SRoleInfo& info, CUserItemPack* bag, CWeaponItemPack* equipment);
+    // Hands the role its bag and equipment (not owned, see m_pBag).
+    void SetPacks(CUserItemPack* bag, CWeaponItemPack* equipment) { m_pBag = bag; m_pEquipment = equipment; }
     void Stand();
+
+    // ---- Stats (role_stats.cpp). Signed changes take '+' or '-'; any other
+    // sign changes nothing. Results stay inside 32 bits. ----
+    // '+' heals up to max HP; '-' is damage: amounts above 5 are lowered by the
+    // defence but not below 5. A role brought to 0 HP reports its death as
+    // progress under its name and starts dying.
+    void SetNowHealth(char sign, int32_t n);
+    void ChangeMp(char sign, int32_t n);        // '-' stops at 0; '+' at max MP
+    void ChangeMaxHp(char sign, int32_t n);     // '-' stops at 100; HP is not touched
+    void ChangeMaxMp(char sign, int32_t n);     // '-' stops at 100; MP is not touched
+    void ChangeExp(char sign, int32_t n);       // '+' reaching the next level: one LevelUp
+    void ChangeAttack(char sign, int32_t n);    // '-' stops at 0
+    void ChangeDefence(char sign, int32_t n);   // '-' stops at 0
+    void ChangeHitRate(char sign, int32_t n);   // kept between 10 and 100
+    void ChangeMoney(char sign, int32_t n);     // '-' stops at 0
+    void ChangeMoral(int32_t n, char sign);     // unbounded
+    // One level more: +20 max HP, +18 max MP (both refilled), +5 attack,
+    // +2 defence; experience restarts from 0 and the next level needs
+    // ((L + 15) * L - 6) * 10 for the new level L. "Level Up!" and its sound.
+    void LevelUp();
+
+    // ---- Skills (role_stats.cpp) ----
+    // Set on the current skill; 0 without one or when refused.
+    int SetCurrentSkill(int32_t id, int32_t level);
+    // The first known skill whose shortcut key is key becomes current: 1 when it
+    // did. id receives the matching skill's id, 0 when none matched.
+    int SelectSkillByKey(int key, int32_t& id);
+    // Appends the skill of that name at level 1: 1 when learnt, 0 when there is
+    // no such skill or it is already known.
+    int LearnSkill(const char* name);
+    // Forgets the skill of that name: 1 when removed. A removed current skill
+    // hands over to the first skill still known.
+    int RemoveSkill(const char* name);
+    // The known level of a skill id, 0 when it is not known.
+    int32_t KnownSkillLevel(int32_t id) const;
+    // Plays "sound\" + fileName on one of the role's own sound channels.
+    static void PlayOn(CSound* channel, const char* fileName);
 
     // Movement (movement.cpp).
     void FaceTo(double tx, double ty);
@@ -120,15 +162,19 @@ public:
     int32_t m_nMoral = 50;
     int32_t m_nMoney = 0;
     int32_t m_nLevel = 1;
-    CItemPack* m_pBag = nullptr;        // not owned: SetInfo may replace it
-    CItemPack* m_pEquipment = nullptr;  // not owned
+    // The hero's bag and equipment. The role never owns or frees them: the game
+    // object creates them with the hero, keeps them (CGame::m_pHeroBag,
+    // m_pHeroEquipment) and frees them, also when a loaded game replaces them
+    // through SetInfo. NPCs have none.
+    CUserItemPack* m_pBag = nullptr;
+    CWeaponItemPack* m_pEquipment = nullptr;
     CSound* m_pItemSound = nullptr;
     CSound* m_pLevelSound = nullptr;
     int32_t m_nDefence = 0;
     char m_szFightSound[16] = {0};
     CSound* m_pFightSound = nullptr;
     CSound* m_pSkillSound = nullptr;
-    CSkill* m_pSkill = nullptr;         // current skill, or none
+    CSkill* m_pSkill = nullptr;         // current skill (owned), or none
     std::vector<std::pair<int32_t, int32_t>> m_vecSkills{{1, 1}};
     int32_t m_nNpcId = 0;
     CRole* m_pFightTarget = nullptr;

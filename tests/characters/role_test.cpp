@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "characters/role.h"
+#include "items/item_pack.h"
 #include "media/surface.h"
 
 namespace fs = std::filesystem;
@@ -246,12 +247,14 @@ TEST(Role, InfoRoundTrip) {
     EXPECT_EQ(info.moral, -5);
     CRole other("none.rol", "y", 0, 0, 1, 1, 0);
     other.m_nFightTargetId = 4;
-    int bag = 0;
-    other.SetInfo(info, reinterpret_cast<CItemPack*>(&bag), nullptr);
+    CUserItemPack bag(9);
+    CWeaponItemPack equipment;
+    other.SetInfo(info, &bag, &equipment);
     EXPECT_EQ(other.m_nMoney, 77);
     EXPECT_EQ(other.m_nMaxHp, 90);
     EXPECT_EQ(other.m_nFightTargetId, -1);
-    EXPECT_EQ(other.m_pBag, reinterpret_cast<CItemPack*>(&bag));
+    EXPECT_EQ(other.m_pBag, &bag);
+    EXPECT_EQ(other.m_pEquipment, &equipment);
     ASSERT_EQ(other.m_vecSkills.size(), 2u);
     EXPECT_EQ(other.m_vecSkills[1].second, 2);
 }

@@ -42,6 +42,9 @@ class CTutorialPanel;
 class CPlayerPanel;
 class CPackPanel;
 class CMissionSystem;
+class CPlayerRecords;
+class CUserItemPack;
+class CWeaponItemPack;
 struct SItemInfo;
 struct SSkillInfo;
 template <class T> class TCDataBase;
@@ -212,14 +215,9 @@ public:
     int32_t e_killCount = 0;
     CSound* m_pSound = nullptr;            // the effect sound
     KGDShowInstance* m_pShow = nullptr;
-    std::map<std::string, int32_t> m_mapAffection;
-    std::map<std::string, int32_t> m_mapEnmity;
-    std::map<std::string, int32_t> m_mapVip;
+    CPlayerRecords* m_pRecords = nullptr;  // notes, honours, factions, enmity, affection, VIP info
     SFade m_fade;
     int32_t m_nResumeState = 0;
-    std::vector<std::string> m_vecFactions;
-    std::vector<std::string> m_vecHonours;
-    std::vector<std::string> m_vecNotes;
     CMissionSystem* m_pMissionSystem = nullptr;
     std::list<CItem*> m_listGroundItems;
     std::list<CItem*>::iterator m_itHoveredItem;
@@ -242,6 +240,9 @@ public:
     CGraph* m_pGraph = nullptr;
     CMap* m_pMap = nullptr;
     CRole* m_pRole = nullptr;
+    // The hero's bag and equipment: owned here, lent to the hero (CRole::m_pBag).
+    CUserItemPack* m_pHeroBag = nullptr;
+    CWeaponItemPack* m_pHeroEquipment = nullptr;
     void* m_hWnd = nullptr;
     CScript* m_pScript = nullptr;
     std::string m_strTalkLabel;

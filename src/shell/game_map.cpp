@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "characters/role.h"
+#include "items/item_pack.h"
 #include "media/graph.h"
 #include "media/mouse.h"
 #include "media/show.h"
@@ -13,6 +14,8 @@
 #include "base/log.h"
 #include "base/message_box.h"
 #include "base/paths.h"
+#include "script/mission.h"
+#include "script/records.h"
 #include "world/map.h"
 
 void CGame::CreateWorld() { m_pMap = new CMap(); }
@@ -21,6 +24,10 @@ void CGame::DeleteWorld() {
     m_vecVisibleRoles.clear();
     delete m_pRole;
     m_pRole = nullptr;
+    delete m_pHeroBag;
+    m_pHeroBag = nullptr;
+    delete m_pHeroEquipment;
+    m_pHeroEquipment = nullptr;
     delete m_pMap;
     m_pMap = nullptr;
 }
@@ -82,13 +89,16 @@ int CGame::EnterMap() {
         delete m_pRole;
         m_pRole = new CRole("role.pmg", "hadrin", pt.x, pt.y + 32, 10, 100, 1);
         m_pRole->SetDirection(m_nTargetFacing);
-        // The HUD and pack panel layouts, missions and story records of a new
-        // game are set up by their own subsystems.
-        m_mapAffection.clear();
-        m_mapEnmity.clear();
-        m_mapVip.clear();
-        m_vecHonours.clear();
-        m_vecNotes.clear();
+        // The hero's bag of 9 grids and the equipment, kept by the game.
+        delete m_pHeroBag;
+        delete m_pHeroEquipment;
+        m_pHeroBag = new CUserItemPack(9);
+        m_pHeroEquipment = new CWeaponItemPack();
+        m_pRole->SetPacks(m_pHeroBag, m_pHeroEquipment);
+        // The HUD and pack panel layouts of a new game are set up by their own
+        // subsystems.
+        if (m_pRecords) m_pRecords->ClearForNewGame();
+        if (m_pMissionSystem) m_pMissionSystem->Clear();
         e_killCount = 0;
         m_bHandEmpty = 1;
         m_nHeldItemId = 0;

@@ -6,7 +6,9 @@
 #include <cstring>
 #include <vector>
 
+#include "base/message_line_hook.h"
 #include "items/database.h"
+#include "items/progress.h"
 #include "media/cursor_ani.h"
 #include "media/graph.h"
 #include "media/mouse.h"
@@ -20,6 +22,8 @@
 #include "base/log.h"
 #include "base/message_box.h"
 #include "base/paths.h"
+#include "script/mission.h"
+#include "script/records.h"
 
 CGame* g_pGame = nullptr;
 
@@ -41,6 +45,8 @@ CGame::CGame() {
     // 2. Databases, display, map object and the role lists.
     m_pItemDB = new TCDataBase<SItemInfo>();
     m_pSkillDB = new TCDataBase<SSkillInfo>();
+    m_pMissionSystem = new CMissionSystem();
+    m_pRecords = new CPlayerRecords();
     m_pGraph = new CGraph();
     CreateWorld();
     m_nHoveredNpc = -1;
@@ -67,6 +73,10 @@ CGame::CGame() {
     g_pGraph = m_pGraph;
     g_pItemDB = m_pItemDB;
     g_pSkillDB = m_pSkillDB;
+    g_pProgress = m_pMissionSystem;
+    SetGameMessageHandler([](const char* text) {
+        if (g_pGame) g_pGame->ShowMessage(text);
+    });
     m_bWindowed = 0;
     m_nBitsPerPel = 16;
 }
@@ -88,6 +98,12 @@ CGame::~CGame() {
     m_pSkillDB = nullptr;
     g_pItemDB = nullptr;
     g_pSkillDB = nullptr;
+    SetGameMessageHandler(nullptr);
+    if (g_pProgress == m_pMissionSystem) g_pProgress = nullptr;
+    delete m_pMissionSystem;
+    m_pMissionSystem = nullptr;
+    delete m_pRecords;
+    m_pRecords = nullptr;
     // 5. The effect sound and the sound device.
     delete m_pSound;
     m_pSound = nullptr;

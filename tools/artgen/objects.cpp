@@ -200,7 +200,7 @@ ObjDef Bush(uint32_t seed, const char* name, Col base, bool berries) {
 }
 
 // Faceted boulder: a dome whose normal is snapped to a few facets.
-void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c) {
+void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c, bool mossy) {
     Paint(im, cx - rx - 3, cy - ry * 1.4f - 3, cx + rx + 3, cy + ry * 0.6f + 3,
           [&](float x, float y) {
               float ang = std::atan2(y - cy, x - cx);
@@ -220,7 +220,7 @@ void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col
               float k = 0.9f + l * 0.35f + (Rand01(int(x), int(y), seed) - 0.5f) * 0.1f;
               Col col = Shade(c, k);
               float moss = VNoise(x / 5.f, y / 4.f, seed + 9);
-              if (ny < -0.3f && moss > 0.6f) col = Mix(col, Hex(0x56683A), 0.6f);
+              if (mossy && ny < -0.3f && moss > 0.6f) col = Mix(col, Hex(0x56683A), 0.6f);
               return col;
           });
 }

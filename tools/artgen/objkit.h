@@ -37,8 +37,9 @@ Iso IsoAt(int ax, int ay);
 void Shadow(Img& im, float cx, float cy, float rx, float ry);
 void Foliage(Img& im, std::vector<Blob> blobs, Col base, uint32_t seed, float crownCy, float crownR);
 void Trunk(Img& im, float bx, float by, float topX, float topY, float rb, float rt, Col bark, uint32_t seed);
-// Faceted boulder: a dome whose normal is snapped to a few facets.
-void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c);
+// Faceted boulder: a dome whose normal is snapped to a few facets; moss on top unless
+// it lies in the dark (mines, burned ground).
+void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c, bool mossy = true);
 Col Plaster(float x, float z, uint32_t seed);
 Col StoneCourses(float x, float z, uint32_t seed, Col base);
 Col Planks(float x, float z, uint32_t seed, Col base, float width = 5.f);

@@ -25,6 +25,13 @@ ObjDef Make(const char* name, int U, int V, int H, int m = 6) {
     return o;
 }
 
+// A soft dark shadow for things standing on stone or rock (the grass shadow is green).
+void StoneShadow(Img& im, float cx, float cy, float rx, float ry) {
+    Paint(im, cx - rx - 1, cy - ry - 1, cx + rx + 1, cy + ry + 1,
+          [&](float x, float y) { return SdEllipse(x, y, cx, cy, rx, ry); },
+          [&](float, float, float) { return Hex(0x1C1A18); });
+}
+
 void BlockAll(ObjDef& o, int U, int V) {
     for (int i = 0; i < U; ++i)
         for (int j = 0; j < V; ++j) o.block.push_back({i, j});
@@ -303,15 +310,15 @@ ObjDef Rubble(uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
-    Shadow(o.im, cx + 4, cy + 3, 28, 10);
+    StoneShadow(o.im, cx + 4, cy + 3, 28, 10);
     Rng r(seed);
     Beam(o.im, iso, {0.1f, 0.2f, 0}, {0.8f, 0.45f, 10}, 0.14f, 5, seed + 9, true, {});
     for (int k = 0; k < 9; ++k) {
         float u = r.R(0.15f, 0.85f), v = r.R(0.15f, 0.85f);
         float x = iso.X({u, v, 0}), y = iso.Y({u, v, 0});
         float s = r.R(4, 9) * (k < 3 ? 1.4f : 1.f);
-        Col c = Mix(Hex(0x7A746A), Hex(0x3A3634), r.F() * 0.6f);
-        Boulder(o.im, x, y - (k < 3 ? 2 : 0), s, s * 0.75f, seed + k, c);
+        Col c = Mix(Hex(0x6A645A), Hex(0x2E2A28), r.F() * 0.7f);
+        Boulder(o.im, x, y - (k < 3 ? 2 : 0), s, s * 0.75f, seed + k, c, false);
     }
     return o;
 }
@@ -326,7 +333,7 @@ ObjDef KeepWall(bool alongV, bool broken, uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     const float b0 = 0.2f, b1 = 0.8f;
-    Col st = Hex(0x8A8276);
+    Col st = Hex(0x726A60);
     auto P = [&](float a, float b, float z) { return alongV ? V3{b, a, z} : V3{a, b, z}; };
     auto Nrm = [&](float na, float nb) { return alongV ? V3{nb, na, 0} : V3{na, nb, 0}; };
     auto top = [&](float a) {
@@ -369,7 +376,7 @@ ObjDef KeepWall(bool alongV, bool broken, uint32_t seed) {
         for (int k = 0; k < 4; ++k) {
             float a = r.R(0.1f, 0.9f);
             V3 p = P(a, 0.93f, 0);
-            Boulder(o.im, iso.X(p), iso.Y(p), r.R(4, 7), r.R(3, 4.5f), seed + 20 + k, Hex(0x6E685E));
+            Boulder(o.im, iso.X(p), iso.Y(p), r.R(4, 7), r.R(3, 4.5f), seed + 20 + k, Hex(0x5E584E), false);
         }
         return o;
     }
@@ -394,12 +401,13 @@ ObjDef Tower(uint32_t seed) {
     o.ground = {{1, 1}, {0, 1}, {1, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     const float H = 132, R = 50;
-    Col st = Hex(0x8A8276);
+    Col st = Hex(0x5E574E);
     float cx = iso.X({1, 1, 0});
     Cylinder(o.im, iso, 1, 1, 0, R, H,
              [&](float ang, float z, float light) {
                  float x = ang * R + 100;
                  Col c = Soot(StoneCourses(x, z, seed, st), x, z, H, seed + 1);
+                 c = Mix(c, Hex(0x1A1716), Smooth(0.5f, 0.85f, VNoise(x / 6.f, z / 18.f, seed + 4)) * 0.6f);
                  // Arrow slits.
                  for (float sa : {-0.55f, 0.35f})
                      if (std::fabs(ang - sa) < 0.05f && std::fabs(z - 84) < 11) c = Hex(0x0E0C0A);
@@ -433,7 +441,7 @@ ObjDef Pillar(bool broken, uint32_t seed) {
     o.block = {{0, 0}};
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
-    Col st = Hex(0x8E867A);
+    Col st = Hex(0x665F56);
     // Square plinth.
     const float m = 0.2f, ph = 8;
     Quad(o.im, iso, {m, 1 - m, 0}, {1 - 2 * m, 0, 0}, {0, 0, ph},
@@ -447,6 +455,7 @@ ObjDef Pillar(bool broken, uint32_t seed) {
                  float flute = std::fabs(std::sin(ang * 7.f));
                  Col c = Shade(st, 0.85f + flute * 0.2f);
                  c = Soot(c, ang * 12, z + ph, H, seed + 2);
+                 c = Mix(c, Hex(0x1E1A18), Smooth(0.55f, 0.9f, VNoise(ang * 4.f, z / 14.f, seed + 3)) * 0.6f);
                  return Shade(c, light);
              },
              broken ? Hex(0x4A4440) : st);
@@ -522,7 +531,7 @@ ObjDef Brazier(uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
-    Shadow(o.im, cx + 4, cy + 2, 14, 5);
+    StoneShadow(o.im, cx + 4, cy + 2, 14, 5);
     const float bz = 34;
     float by = cy - bz;
     // Three legs, then the bowl, the coals and the flames.
@@ -558,6 +567,28 @@ ObjDef Brazier(uint32_t seed) {
                   return d > -0.8f ? Hex(0x8A2A10) : Mix(Hex(0xFFE8A0), Hex(0xE0602A), t);
               });
     }
+    return o;
+}
+
+// A runner of red cloth laid along u down the great hall, burned through in places.
+ObjDef Carpet(uint32_t seed) {
+    ObjDef o = Make("carpet_u", 1, 1, 4, 2);
+    o.ground = {{0, 0}};
+    Iso iso = IsoAt(o.ax, o.ay);
+    Quad(o.im, iso, {0, 0.12f, 0}, {1, 0, 0}, {0, 0.76f, 0},
+         [&](float s, float t) {
+             Col c = Mix(Hex(0x4A1614), Hex(0x62201A), VNoise(s * 9, t * 5, seed));
+             if (t < 0.09f || t > 0.91f) c = Hex(0x7A5E2A);  // the border
+             if (std::fabs(t - 0.5f) < 0.03f) c = Hex(0x6A5026);
+             float burn = VNoise(s * 3.f, t * 2.5f, seed + 1);
+             c = Mix(c, Hex(0x1A1412), Smooth(0.66f, 0.78f, burn) * 0.85f);
+             return c;
+         },
+         kInk, 0.f);
+    // A hole or two burned through shows the stone beneath.
+    for (int y = 0; y < o.im.h; ++y)
+        for (int x = 0; x < o.im.w; ++x)
+            if (o.im.A(x, y) > 0 && VNoise(x / 7.f, y / 3.5f, seed + 2) > 0.86f) o.im.Set(x, y, {}, 0.f);
     return o;
 }
 
@@ -624,7 +655,7 @@ ObjDef Cart(uint32_t seed) {
         float u = r.R(u0 + 0.12f, u1 - 0.08f), v = r.R(v0 + 0.06f, v1 - 0.04f);
         float x = iso.X({u, v, z1}), y = iso.Y({u, v, z1 + 2});
         float s = r.R(4.5f, 7.5f);
-        Boulder(o.im, x, y, s, s * 0.7f, seed + k, k % 3 ? Hex(0x5A4E44) : Hex(0x8A5A34));
+        Boulder(o.im, x, y, s, s * 0.7f, seed + k, k % 3 ? Hex(0x5A4E44) : Hex(0x8A5A34), false);
     }
     wheel(0.3f, v1 + 0.04f);
     wheel(0.72f, v1 + 0.04f);
@@ -653,19 +684,22 @@ ObjDef Ore(uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
-    Shadow(o.im, cx + 4, cy + 3, 26, 9);
-    Boulder(o.im, cx - 4, cy, 22, 20, seed, Hex(0x4A4440));
-    Boulder(o.im, cx + 14, cy + 4, 12, 9, seed + 1, Hex(0x524A44));
-    // Veins of copper ore and a few glints of gold through the rock.
+    StoneShadow(o.im, cx + 4, cy + 3, 26, 9);
+    Boulder(o.im, cx - 4, cy, 22, 20, seed, Hex(0x3E3834), false);
+    Boulder(o.im, cx + 14, cy + 4, 12, 9, seed + 1, Hex(0x46403A), false);
+    // Thin seams of copper ore through the dark rock, glinting here and there.
     for (int y = 0; y < o.im.h; ++y)
         for (int x = 0; x < o.im.w; ++x) {
             if (o.im.A(x, y) < 1.f) continue;
             Col c = o.im.Get(x, y);
-            if (c.r + c.g + c.b < 0.2f) continue;  // keep the outline
-            float v = VNoise(x / 5.f + y / 9.f, y / 3.f, seed + 7);
-            float band = 1.f - std::fabs(2 * v - 1);
-            if (band > 0.8f) o.im.Set(x, y, Shade(Mix(Hex(0xB8682E), Hex(0x6E8A5A), VNoise(x / 3.f, y / 3.f, seed + 8)), 0.8f + band * 0.4f));
-            if (Rand01(x, y, seed + 9) > 0.985f) o.im.Set(x, y, Hex(0xF0D070));
+            if (c.r + c.g + c.b < 0.25f) continue;  // keep the outline
+            float v = VNoise(x / 9.f + y / 14.f, y / 4.f, seed + 7);
+            float seam = 1.f - std::fabs(2 * v - 1);
+            if (seam > 0.9f) {
+                Col ore = Mix(Hex(0xC0702E), Hex(0xE8A048), VNoise(x / 2.f, y / 2.f, seed + 8));
+                o.im.Set(x, y, Shade(ore, 0.75f + (seam - 0.9f) * 4.f));
+            }
+            if (seam > 0.8f && Rand01(x, y, seed + 9) > 0.9f) o.im.Set(x, y, Hex(0xFFE08A));
         }
     return o;
 }
@@ -676,7 +710,7 @@ ObjDef Spire(uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
-    Shadow(o.im, cx + 4, cy + 2, 20, 7);
+    StoneShadow(o.im, cx + 4, cy + 2, 20, 7);
     auto cone = [&](float x, float y, float r, float h, uint32_t s) {
         Paint(o.im, x - r - 2, y - h - 2, x + r + 2, y + r * 0.5f + 2,
               [&](float px, float py) {
@@ -690,7 +724,7 @@ ObjDef Spire(uint32_t seed) {
                   if (d > -1.f) return kInk;
                   float t = Clamp01((y - py) / h);
                   float side = (px - x) / (r * (1 - t) + 1);
-                  Col c = Mix(Hex(0x5E564C), Hex(0x7A7064), VNoise(px / 3.f, py / 2.f, s));
+                  Col c = Mix(Hex(0x3E3630), Hex(0x5A4E44), VNoise(px / 3.f, py / 2.f, s));
                   if (std::fmod(py + VNoise(px / 4.f, 0, s) * 5.f, 9.f) < 1.2f) c = Shade(c, 0.75f);  // rings of old drip
                   return Shade(c, 1.1f - side * 0.3f);
               });
@@ -706,7 +740,7 @@ ObjDef Lantern(uint32_t seed) {
     o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     float cx = iso.X({0.5f, 0.5f, 0}), cy = iso.Y({0.5f, 0.5f, 0});
-    Shadow(o.im, cx + 3, cy + 1, 8, 3);
+    StoneShadow(o.im, cx + 3, cy + 1, 8, 3);
     Poly(o.im, {cx - 2.5f, cy + 1, cx + 2.5f, cy + 1, cx + 2.5f, cy - 68, cx - 2.5f, cy - 68},
          [&](float x, float y) { return Shade(Planks(y, x, seed, Hex(0x5E4430), 40.f), x < cx ? 1.15f : 0.8f); }, kInk);
     // An arm, the hook and the lantern hanging from it.
@@ -1038,6 +1072,7 @@ void PlaceObjects(std::vector<ObjDef>& objs) {
     objs.push_back(Anvil(235));
     objs.push_back(Forge(236));
     objs.push_back(ArmorStand(237));
+    objs.push_back(Carpet(238));
 }
 
 }  // namespace obj

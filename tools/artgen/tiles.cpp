@@ -32,13 +32,14 @@ float Bump(const std::function<float(float, float)>& h, float x, float y, float 
 
 // Painters by ground; the numbers also seed each ground's noise, so a ground keeps its
 // pictures whatever type number the recipes give it.
-enum Ground { kGrass = 1, kDirt, kStone, kSand, kWater, kCave, kRock = 11, kAsh = 12 };
+enum Ground { kGrass = 1, kDirt, kStone, kSand, kWater, kCave, kRock = 11, kAsh = 12, kScorch = 13 };
 
 const struct {
     const char* name;
     Ground ground;
 } kGrounds[] = {{"grass", kGrass}, {"dirt", kDirt}, {"stone", kStone}, {"sand", kSand},
-                {"water", kWater}, {"cave", kCave}, {"rock", kRock},   {"ash", kAsh}};
+                {"water", kWater}, {"cave", kCave}, {"rock", kRock},   {"ash", kAsh},
+                {"scorch", kScorch}};
 
 Ground GroundOf(const std::string& name) {
     for (const auto& g : kGrounds)
@@ -106,8 +107,6 @@ Col CaveBase(float x, float y) {
     float r = IsoNoise(x, y, 62, 4, 2);
     float crack = 1.f - std::fabs(2 * r - 1);
     if (crack > 0.94f) c = Shade(c, 0.6f);
-    float damp = IsoNoise(x, y, 63, 2, 2);
-    c = Mix(c, Hex(0x263034), Smooth(0.65f, 0.85f, damp) * 0.5f);
     c = Shade(c, 0.94f + IsoGrain(int(x), int(y), 64) * 0.1f);
     return c;
 }
@@ -116,9 +115,8 @@ Col CaveBase(float x, float y) {
 // few mineral specks.
 Col RockBase(float x, float y) {
     auto h = [](float a, float b) { return IsoNoise(a, b, 71, 3, 3); };
-    Col c = Mix(Hex(0x0B0908), Hex(0x1E1915), Smooth(0.3f, 0.7f, h(x, y)));
-    c = Shade(c, Bump(h, x, y, 1.2f));
-    if (IsoGrain(int(x), int(y), 73) > 0.992f) c = Mix(c, Hex(0x6C5E48), 0.5f);
+    Col c = Mix(Hex(0x0D0B09), Hex(0x1C1713), Smooth(0.3f, 0.7f, h(x, y)));
+    c = Shade(c, Bump(h, x, y, 0.8f));
     c = Shade(c, 0.95f + IsoGrain(int(x), int(y), 74) * 0.08f);
     return c;
 }
@@ -175,6 +173,15 @@ Col StoneBase(float x, float y, int merge = 0) {
     return c;
 }
 
+// The keep's flagstones after the fire: the same slabs under soot, darker in the
+// joints, with scorch marks that wander across them.
+Col ScorchBase(float x, float y, int merge = 0) {
+    Col c = Shade(StoneBase(x, y, merge), 0.66f);
+    c = Mix(c, Hex(0x161311), Smooth(0.5f, 0.85f, IsoNoise(x, y, 91, 3, 2)) * 0.55f);
+    c = Mix(c, Hex(0x3A2A20), Smooth(0.6f, 0.9f, IsoNoise(x, y, 92, 2, 2)) * 0.35f);  // rust-brown heat stains
+    return c;
+}
+
 Col Base(int type, float x, float y) {
     switch (type) {
         case kGrass: return GrassBase(x, y);
@@ -184,6 +191,7 @@ Col Base(int type, float x, float y) {
         case kWater: return WaterBase(x, y);
         case kRock: return RockBase(x, y);
         case kAsh: return AshBase(x, y);
+        case kScorch: return ScorchBase(x, y);
         default: return CaveBase(x, y);
     }
 }
@@ -242,11 +250,13 @@ void Ripple(Img& im, float cx, float cy, float r, float strength) {
 
 Img FullTile(int type, int k) {
     Img im = BaseTile(type);
-    if (type == kStone) {
+    if (type == kStone || type == kScorch) {
         static const int kMerge[10] = {0, 1, 4, 3, 0, 12, 2, 8, 0, 3};
         for (int y = 0; y < 32; ++y)
             for (int x = 0; x < 64; ++x)
-                if (InDiamond(x, y)) im.Set(x, y, StoneBase(x + 0.5f, y + 0.5f, kMerge[k % 10]));
+                if (InDiamond(x, y))
+                    im.Set(x, y, type == kStone ? StoneBase(x + 0.5f, y + 0.5f, kMerge[k % 10])
+                                                : ScorchBase(x + 0.5f, y + 0.5f, kMerge[k % 10]));
     }
     // Broad light and dark patches of this picture only, gone before the edges, so a
     // field of random variants does not show the lattice.
@@ -361,6 +371,28 @@ Img FullTile(int type, int k) {
             }
             break;
         }
+        case kScorch: {
+            // A crack, a drift of ash in the joints, cinders.
+            if (k % 3 != 0 && spot(0.45f, x, y)) {
+                float ang = r.R(0, kPi), len = r.R(5, 10);
+                float dx = std::cos(ang) * len, dy = std::sin(ang) * len * 0.5f;
+                Paint(im, x - 12, y - 7, x + 12, y + 7,
+                      [&](float px, float py) { return SdSegment(px, py, x - dx, y - dy, x + dx, y + dy, 0.5f); },
+                      [&](float, float, float) { return Hex(0x0E0C0B); });
+            }
+            for (int yy = 0; yy < 32; ++yy)
+                for (int xx = 0; xx < 64; ++xx) {
+                    if (!InDiamond(xx, yy)) continue;
+                    float fx = xx + 0.5f, fy = yy + 0.5f;
+                    float f = Smooth(0.1f, 0.3f, Inner(fx, fy));
+                    float a = VNoise(fx / 7.f, fy / 4.f, 500 + k);
+                    if (a > 0.68f) im.Tint(xx, yy, Hex(0x7A746C), (a - 0.68f) * 2.f * f);
+                }
+            if (k % 4 == 1 && spot(0.3f, x, y))
+                Paint(im, x - 2, y - 2, x + 2, y + 2, [&](float px, float py) { return SdCircle(px, py, x, y, 0.9f); },
+                      [&](float, float, float) { return Hex(0xC8582A); });
+            break;
+        }
         case kAsh: {
             // Charred sticks, cinders and, on a few pictures, a scorched bone.
             int n = k % 3;
@@ -388,7 +420,7 @@ Img FullTile(int type, int k) {
             int n = 1 + k % 3;
             for (int i = 0; i < n; ++i)
                 if (spot(0.35f, x, y)) Pebble(im, x, y, r.R(1.3f, 3.f), Hex(0x6A625A));
-            if (k % 4 == 2 && spot(0.4f, x, y)) {  // puddle
+            if (k == 2 && spot(0.4f, x, y)) {  // puddle
                 float rx = r.R(5, 8), ry = rx * 0.45f;
                 Paint(im, x - rx - 1, y - ry - 1, x + rx + 1, y + ry + 1,
                       [&](float px, float py) { return SdEllipse(px, py, x, y, rx, ry); },

@@ -1,5 +1,5 @@
 <?xml version="1.0" encoding="UTF-8"?>
-<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="264" tileheight="230" tilecount="70" columns="0">
+<tileset version="1.10" tiledversion="1.10.0" name="objects" tilewidth="264" tileheight="230" tilecount="71" columns="0">
  <grid orientation="isometric" width="64" height="32"/>
  <tile id="0">
   <properties>
@@ -630,5 +630,14 @@
    <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/armorstand.png" width="76" height="118"/>
+ </tile>
+ <tile id="70">
+  <properties>
+   <property name="name" value="carpet_u"/>
+   <property name="anchor" value="2,6"/>
+   <property name="block" value=""/>
+   <property name="ground" value="0,0"/>
+  </properties>
+  <image source="objects/carpet_u.png" width="68" height="40"/>
  </tile>
 </tileset>

@@ -229,15 +229,33 @@ class Map:
                 placed += 1
         return placed
 
-    def keep_view(self, grounds, front=4):
-        """Keeps trees and other tall things off the cells just in front of (below on
-        the screen) any cell touching these grounds, so they never hide a walker on it."""
+    def clear_below(self, i, j, depth=8, width=2):
+        """Keeps tall things (trees, houses) off the cells below (i, j) on the screen
+        whose pictures would rise over it: up to depth rows further down, width columns
+        to either side."""
+        for a in range(i, i + depth + 1):
+            for b in range(j, j + depth + 1):
+                rows, cols = (a + b) - (i + j), (a - b) - (i - j)
+                if 1 <= rows <= depth and abs(cols) <= width:
+                    self.used.add((a, b))
+
+    def keep_view(self, grounds, depth=8):
+        """Nothing tall hides a walker on a cell touching these grounds."""
         for i in range(N):
             for j in range(N):
                 if any(g in grounds for g in self.corners(i, j)):
-                    for di in range(front + 1):
-                        for dj in range(front + 1 - di):
-                            self.used.add((i + di, j + dj))
+                    self.clear_below(i, j, depth)
+
+    def keep_view_of(self, names, depth=8):
+        """Nothing tall hides the placed objects of these names or the people placed
+        so far."""
+        cells = [(i, j) for i, j, _ in self.people]
+        for i, j, name in self.objects:
+            if name in names:
+                blocked, walk = self.object_cells(i, j, name)
+                cells += blocked + walk + [(i, j)]
+        for i, j in cells:
+            self.clear_below(i, j, depth)
 
     def reserve(self, i0, j0, i1, j1):
         for a in range(i0, i1):
@@ -426,9 +444,9 @@ def ashvale():
     for i, j, name in [(28, 19, 'crates'), (33, 19, 'barrels'), (36, 20, 'crates')]:
         m.place(i, j, name)
     # Brannoc's smithy by his stone house, Oda's stand by her cottage.
-    m.must(35, 30, 'forge')
-    m.must(34, 31, 'anvil')
-    m.must(36, 31, 'weaponrack')
+    m.must(34, 29, 'forge')
+    m.must(33, 30, 'anvil')
+    m.must(35, 31, 'weaponrack')
     m.must(29, 36, 'armorstand')
     m.must(28, 37, 'barrels')
     # Signposts at the gates, the jetty on the river.
@@ -459,18 +477,20 @@ def ashvale():
         for b in range(36, N):
             if m.cell_ground(a, b)[1] == 10 and m.hard_corners(a, b) <= 1 and m.rng.random() < 0.35:
                 m.place(a, b, 'reeds')
-    # Trees and bushes round the village, thicker towards the edges.
-    m.keep_view(('stone', 'dirt'), front=3)
-    m.scatter(['oak', 'oak2', 'pine'], 26, (1, 1, 49, 13), margin=1)
-    m.scatter(['oak', 'oak2', 'pine2'], 16, (38, 1, 49, 44), margin=1)
-    m.scatter(['oak', 'pine', 'deadtree'], 10, (1, 13, 10, 42), margin=1)
-    m.scatter(['bush', 'bush_berry', 'rocks', 'stump'], 18, (2, 2, 48, 42), margin=0)
     # People.
-    for i, j, who in [(18, 32, 'elder_maren'), (33, 30, 'brannoc'), (30, 38, 'oda'), (31, 21, 'fen'),
+    for i, j, who in [(18, 32, 'elder_maren'), (32, 31, 'brannoc'), (30, 38, 'oda'), (31, 21, 'fen'),
                       (34, 22, 'pell'), (45, 21, 'guard'), (45, 25, 'guard'), (5, 24, 'guard'),
                       (23, 26, 'villager_f'), (21, 24, 'villager_m'), (27, 27, 'child'), (13, 35, 'villager_m'),
                       (25, 45, 'villager_m'), (16, 24, 'villager_f')]:
         m.person(i, j, who)
+    m.keep_view_of(('cottage', 'stonehouse', 'cottage_r', 'stonehouse_r', 'stall', 'forge', 'anvil',
+                    'weaponrack', 'armorstand', 'well', 'bridge_v'))
+    # Trees and bushes round the village, thicker towards the edges.
+    m.keep_view(('stone', 'dirt'))
+    m.scatter(['oak', 'oak2', 'pine'], 26, (1, 1, 49, 13), margin=1)
+    m.scatter(['oak', 'oak2', 'pine2'], 16, (38, 1, 49, 44), margin=1)
+    m.scatter(['oak', 'pine', 'deadtree'], 10, (1, 13, 10, 42), margin=1)
+    m.scatter(['bush', 'bush_berry', 'rocks', 'stump'], 18, (2, 2, 48, 42), margin=0)
     m.props = [('name', 'Ashvale'), ('music', 'village.ogg'), ('start_x', 25), ('start_y', 25),
                ('blocking_types', '5,11')]
     return m
@@ -484,7 +504,7 @@ def greywood():
     m.path('dirt', [(a, road[a] + 0.5) for a in range(N + 1)], 1.2)
     # The branch north to the Old Mine and the path south to Lisse's hut.
     m.path('dirt', [(25.5, 22), (26.5, 15), (29.5, 9), (29.5, 6)], 1.4)
-    m.path('dirt', [(27, 24), (31, 28), (32, 31)], 1.6)
+    m.path('dirt', [(33, 23), (36, 26), (36.5, 30)], 1.6)
     # A pond in the south-west.
     m.disk('water', 14, 37, 3.3)
     m.start = (25, 22)
@@ -497,26 +517,30 @@ def greywood():
     m.must(24, 19, 'signpost')
     m.must(26, 6, 'lantern')
     m.must(31, 6, 'crates')
-    m.place(32, 5, 'timbers_v')
+    m.place(32, 6, 'cart')
+    m.place(27, 7, 'barrels')
     # Lisse's hut in its clearing, with her herb beds.
     m.must(33, 29, 'cottage_r')
-    for i, j in [(30, 32), (30, 33), (31, 34), (29, 34), (31, 35), (29, 35)]:
+    for i, j in [(31, 33), (32, 33), (31, 34), (32, 34), (33, 34), (33, 33)]:
         m.place(i, j, 'herbs')
     m.must(36, 33, 'barrels')
-    for i in range(34, 38):
-        m.place(i, 35, 'fence_u')
+    for i in range(30, 35):
+        m.place(i, 36, 'fence_u')
+    for j in range(32, 36):
+        m.place(29, j, 'fence_v')
     m.place(27, 32, 'bush_berry')
     m.place(28, 30, 'bush_berry')
-    m.reserve(28, 26, 38, 38)
+    m.reserve(27, 25, 41, 40)
+    for i, j, who in [(36, 31, 'lisse'), (38, 20, 'wolf'), (42, 24, 'wolf'), (27, 12, 'wolf'), (30, 15, 'wolf'),
+                      (12, 23, 'wolf'), (44, 19, 'wolf'), (18, 22, 'wolf'), (33, 23, 'wolf')]:
+        m.person(i, j, who)
+    m.keep_view_of(('cottage_r', 'herbs', 'cave', 'signpost'))
     # Keep the roads in view, then the forest everywhere else.
     for a in range(N):
         m.reserve(a, road[a] - 2, a + 1, road[a] + 4)
     m.keep_view(('dirt',))
     m.scatter(['pine', 'pine2', 'oak', 'oak2', 'pine'], 300, (0, 0, 50, 50), margin=0, tries=20000)
     m.scatter(['deadtree', 'stump', 'bush', 'bush_berry', 'rocks', 'boulder', 'bush'], 60, (0, 0, 50, 50), margin=0)
-    for i, j, who in [(35, 31, 'lisse'), (38, 20, 'wolf'), (42, 24, 'wolf'), (27, 12, 'wolf'), (30, 15, 'wolf'),
-                      (12, 23, 'wolf'), (44, 19, 'wolf'), (18, 22, 'wolf'), (33, 23, 'wolf')]:
-        m.person(i, j, who)
     m.props = [('name', 'Greywood'), ('music', 'forest.ogg'), ('start_x', 25), ('start_y', 22),
                ('blocking_types', '5,11')]
     return m
@@ -572,6 +596,10 @@ def ford():
                        (43, 20, 'crates'), (33, 20, 'barrels')]:
         m.must(i, j, name)
     m.reserve(29, 6, 45, 23)
+    for i, j, who in [(28, 24, 'bandit'), (28, 28, 'bandit'), (35, 16, 'bandit'), (39, 13, 'bandit'),
+                      (33, 15, 'bandit'), (45, 27, 'bandit'), (37, 15, 'captain_vey')]:
+        m.person(i, j, who)
+    m.keep_view_of(('tent', 'banner', 'signpost'))
     # Reeds on both banks, then trees: a greenwood on the near side, burned stumps and
     # dead trees on the keep side.
     for a in range(N):
@@ -584,9 +612,6 @@ def ford():
     m.scatter(['bush', 'rocks', 'boulder', 'stump'], 14, (0, 0, 18, 50), margin=0, keep_clear=[(0, 22, 19, 31)])
     m.scatter(['deadtree', 'pine', 'pine2', 'stump', 'rocks', 'bush'], 60, (27, 0, 50, 50), margin=0,
               keep_clear=[(26, 22, 50, 31), (28, 5, 46, 24)])
-    for i, j, who in [(28, 24, 'bandit'), (28, 28, 'bandit'), (35, 16, 'bandit'), (39, 13, 'bandit'),
-                      (33, 15, 'bandit'), (45, 27, 'bandit'), (37, 15, 'captain_vey')]:
-        m.person(i, j, who)
     m.props = [('name', 'Greycloak Ford'), ('music', 'tense.ogg'), ('start_x', 8), ('start_y', 26),
                ('blocking_types', '5,11')]
     return m
@@ -682,18 +707,27 @@ def shrine():
     for i, j in [(5, 14), (7, 14), (5, 16), (7, 16), (5, 18)]:
         m.place(i, j, 'grave')
     m.place(4, 12, 'deadtree')
-    for i, j in [(22, 20), (23, 21), (24, 21)]:
+    for i, j in [(22, 20), (23, 21), (24, 21), (27, 23), (28, 24), (33, 27), (34, 28)]:
         m.place(i, j, 'steps_u')
+    m.place(24, 23, 'brazier')
+    m.place(21, 18, 'brazier')
     # Crags ring the hilltop; the slopes below carry pines and wind-bent dead trees.
-    for k in range(14):
-        ang = k * 2 * math.pi / 14
-        dirn = math.atan2(1, 1.2)
-        if abs(math.atan2(math.sin(ang - dirn), math.cos(ang - dirn))) < 0.55:
-            continue
-        r = 11 + m.rng.random() * 1.5
-        m.place(round(cx + r * math.cos(ang)), round(cy + r * math.sin(ang)), 'crag')
     m.keep_view(('stone',))
-    m.scatter(['rocks', 'boulder'], 16, (0, 0, 50, 50), margin=0, keep_clear=[(8, 8, 27, 27)])
+    dirn = math.atan2(1, 1.2)  # where the path leaves the hilltop
+    for ring, count, (r0, r1) in ((0, 22, (10.0, 11.0)), (1, 16, (12.5, 14.0))):
+        for k in range(count):
+            ang = (k + 0.5 * ring) * 2 * math.pi / count
+            if abs(math.atan2(math.sin(ang - dirn), math.cos(ang - dirn))) < 0.42:
+                continue
+            r = r0 + m.rng.random() * (r1 - r0)
+            m.place(round(cx + r * math.cos(ang)), round(cy + r * math.sin(ang)), 'crag' if ring == 0 else 'boulder')
+    for k in range(40):
+        ang = m.rng.random() * 2 * math.pi
+        if abs(math.atan2(math.sin(ang - dirn), math.cos(ang - dirn))) < 0.45:
+            continue
+        r = 9 + m.rng.random() * 7
+        m.place(round(cx + r * math.cos(ang)), round(cy + r * math.sin(ang)), m.rng.choice(['rocks', 'rocks', 'bush']))
+    m.scatter(['rocks', 'boulder'], 10, (0, 0, 50, 50), margin=0, keep_clear=[(8, 8, 27, 27)])
     m.scatter(['pine', 'pine2', 'deadtree'], 60, (0, 0, 50, 50), margin=1, keep_clear=[(5, 5, 29, 29)])
     m.scatter(['bush', 'stump'], 12, (0, 0, 50, 50), margin=0, keep_clear=[(5, 5, 29, 29)])
     m.person(13, 13, 'brother_ivo')
@@ -763,15 +797,16 @@ def keep():
                        (33, 11, 'timbers_v'), (29, 19, 'timbers'), (22, 22, 'bones'), (34, 26, 'rubble'),
                        (26, 9, 'rubble'), (32, 40, 'rubble'), (21, 36, 'bones'), (28, 30, 'timbers_v')]:
         m.place(i, j, name)
+    for i, j, who in [(28, 16, 'skeleton'), (25, 31, 'skeleton'), (32, 34, 'skeleton'), (14, 22, 'skeleton'),
+                      (14, 28, 'skeleton'), (30, 21, 'bandit'), (27, 27, 'bandit'), (13, 25, 'ash_knight')]:
+        m.person(i, j, who)
+    m.keep_view_of(())
     # Outside: burned fields, charred timbers, dead trees, graves by the road.
     for i, j in [(40, 19), (40, 31), (38, 21), (38, 29)]:
         m.place(i, j, 'grave')
     m.scatter(['deadtree', 'timbers', 'rubble', 'stump'], 26, (37, 0, 50, 50), grounds=('ash', 'grass'),
               margin=0, keep_clear=[(36, 20, 50, 31)])
     m.scatter(['deadtree', 'rubble', 'timbers_v', 'stump'], 16, (0, 0, 50, 50), grounds=('ash',), margin=0)
-    for i, j, who in [(28, 16, 'skeleton'), (25, 31, 'skeleton'), (32, 34, 'skeleton'), (14, 22, 'skeleton'),
-                      (14, 28, 'skeleton'), (30, 21, 'bandit'), (27, 27, 'bandit'), (13, 25, 'ash_knight')]:
-        m.person(i, j, who)
     m.props = [('name', 'Cinder Keep'), ('music', 'dark.ogg'), ('start_x', 42), ('start_y', 25),
                ('blocking_types', '5,11')]
     return m

@@ -563,8 +563,8 @@ def ford():
     m.disk('dirt', 36, 14, 4.5)
     m.path('dirt', [(36, 16), (36.5, 24)], 1.6)
     m.settle('grass', ['dirt', 'water'])
-    m.start = (8, 26)
-    m.reserve(5, 23, 12, 30)
+    m.start = (16, 26)  # on the near bank, the bridge and the river in view
+    m.reserve(14, 25, 18, 28)
     m.exit(6, 0, 23, 2, 30, 'greywood.map', 'To Greywood')
     m.exit(9, 48, 23, 50, 30, 'keep.map', 'To Cinder Keep')
     m.reserve(44, 23, 48, 30)
@@ -612,7 +612,7 @@ def ford():
     m.scatter(['bush', 'rocks', 'boulder', 'stump'], 14, (0, 0, 18, 50), margin=0, keep_clear=[(0, 22, 19, 31)])
     m.scatter(['deadtree', 'pine', 'pine2', 'stump', 'rocks', 'bush'], 60, (27, 0, 50, 50), margin=0,
               keep_clear=[(26, 22, 50, 31), (28, 5, 46, 24)])
-    m.props = [('name', 'Greycloak Ford'), ('music', 'tense.ogg'), ('start_x', 8), ('start_y', 26),
+    m.props = [('name', 'Greycloak Ford'), ('music', 'tense.ogg'), ('start_x', 16), ('start_y', 26),
                ('blocking_types', '5,11')]
     return m
 
@@ -687,8 +687,8 @@ def shrine():
     m.path('stone', [(50, 32), (40, 31), (32, 27), (26, 22), (21, 20)], 1.6)
     m.path('stone', [(13, 14), (11.5, 12.5)], 1.4)
     m.settle('grass', ['stone'])
-    m.start = (42, 31)
-    m.reserve(39, 28, 46, 34)
+    m.start = (24, 22)  # where the path reaches the hilltop: the court in view
+    m.reserve(23, 21, 26, 24)
     m.exit(4, 48, 29, 50, 35, 'main.map', 'To Ashvale')
     m.reserve(45, 29, 48, 35)
     # The stele and the altar before it; braziers and a ring of standing stones.
@@ -731,7 +731,7 @@ def shrine():
     m.scatter(['pine', 'pine2', 'deadtree'], 60, (0, 0, 50, 50), margin=1, keep_clear=[(5, 5, 29, 29)])
     m.scatter(['bush', 'stump'], 12, (0, 0, 50, 50), margin=0, keep_clear=[(5, 5, 29, 29)])
     m.person(13, 13, 'brother_ivo')
-    m.props = [('name', 'Ember Shrine'), ('music', 'calm.ogg'), ('start_x', 42), ('start_y', 31),
+    m.props = [('name', 'Ember Shrine'), ('music', 'calm.ogg'), ('start_x', 24), ('start_y', 22),
                ('blocking_types', '5,11')]
     return m
 

@@ -125,9 +125,9 @@ Col RockBase(float x, float y) {
 // odd ember still glowing.
 Col AshBase(float x, float y) {
     auto h = [](float a, float b) { return IsoNoise(a, b, 81, 3, 3); };
-    Col c = Mix(Hex(0x2A2522), Hex(0x4A423C), Smooth(0.2f, 0.8f, h(x, y)));
-    c = Mix(c, Hex(0x8A847C), Smooth(0.58f, 0.85f, IsoNoise(x, y, 82, 2, 2)) * 0.65f);
-    c = Mix(c, Hex(0x120F0D), Smooth(0.62f, 0.9f, IsoNoise(x, y, 83, 5, 2)) * 0.75f);
+    Col c = Mix(Hex(0x2E2926), Hex(0x463F3A), Smooth(0.2f, 0.8f, h(x, y)));
+    c = Mix(c, Hex(0x8A847C), Smooth(0.58f, 0.85f, IsoNoise(x, y, 82, 2, 2)) * 0.3f);
+    c = Mix(c, Hex(0x120F0D), Smooth(0.62f, 0.9f, IsoNoise(x, y, 83, 5, 2)) * 0.45f);
     c = Shade(c, Bump(h, x, y, 0.8f));
     c = Shade(c, 0.92f + IsoGrain(int(x), int(y), 84) * 0.14f);
     if (IsoGrain(int(x), int(y), 85) > 0.993f) c = Hex(0xC8642A);
@@ -394,7 +394,17 @@ Img FullTile(int type, int k) {
             break;
         }
         case kAsh: {
-            // Charred sticks, cinders and, on a few pictures, a scorched bone.
+            // Drifts of pale ash and patches of char of this picture only, then charred
+            // sticks, cinders and, on a few pictures, a scorched bone.
+            for (int yy = 0; yy < 32; ++yy)
+                for (int xx = 0; xx < 64; ++xx) {
+                    if (!InDiamond(xx, yy)) continue;
+                    float fx = xx + 0.5f, fy = yy + 0.5f;
+                    float f = Smooth(0.f, 0.45f, Inner(fx, fy));
+                    float a = VNoise(fx / 8.f, fy / 4.f, 600 + k), b = VNoise(fx / 6.f, fy / 3.f, 700 + k);
+                    if (a > 0.6f) im.Tint(xx, yy, Hex(0x8E8880), (a - 0.6f) * 1.6f * f);
+                    if (b > 0.62f) im.Tint(xx, yy, Hex(0x100D0C), (b - 0.62f) * 1.8f * f);
+                }
             int n = k % 3;
             for (int i = 0; i < n; ++i)
                 if (spot(0.4f, x, y)) {

@@ -899,9 +899,13 @@ ObjDef Crag(uint32_t seed) {
 
 // ---------------------------------------------------------------- the village
 
-// A field plant row: low crops drawn over the feet of whoever walks through.
+// A bed of crops. Nobody walks through a field: the bed blocks its cell, and it lies
+// on the ground layer so that people passing in front are drawn over it (objects
+// are drawn over everyone, so a walkable field would swallow whoever stood in it).
 ObjDef Crop(const char* name, uint32_t seed, int kind) {
     ObjDef o = Make(name, 1, 1, 22, 2);
+    o.block = {{0, 0}};
+    o.ground = {{0, 0}};
     Iso iso = IsoAt(o.ax, o.ay);
     Rng r(seed);
     std::vector<std::array<float, 3>> plants;

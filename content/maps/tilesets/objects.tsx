@@ -581,8 +581,8 @@
   <properties>
    <property name="name" value="wheat"/>
    <property name="anchor" value="2,24"/>
-   <property name="block" value=""/>
-   <property name="ground" value=""/>
+   <property name="block" value="0,0"/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/wheat.png" width="68" height="58"/>
  </tile>
@@ -590,8 +590,8 @@
   <properties>
    <property name="name" value="cabbages"/>
    <property name="anchor" value="2,24"/>
-   <property name="block" value=""/>
-   <property name="ground" value=""/>
+   <property name="block" value="0,0"/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/cabbages.png" width="68" height="58"/>
  </tile>
@@ -599,8 +599,8 @@
   <properties>
    <property name="name" value="herbs"/>
    <property name="anchor" value="2,24"/>
-   <property name="block" value=""/>
-   <property name="ground" value=""/>
+   <property name="block" value="0,0"/>
+   <property name="ground" value="0,0"/>
   </properties>
   <image source="objects/herbs.png" width="68" height="58"/>
  </tile>

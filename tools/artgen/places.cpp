@@ -258,7 +258,6 @@ ObjDef WeaponRack(uint32_t seed) {
     Quad(o.im, iso, {0.1f, 0.5f, 34}, {0.8f, 0, 0}, {0, 0, 3},
          [&](float s, float) { return Shade(wood, 1.f + (VNoise(s * 20, 0, seed) - 0.5f) * 0.3f); }, kInk);
     // Spears leaning on the bar, then a round shield at the foot.
-    Rng r(seed);
     for (int k = 0; k < 5; ++k) {
         float u = 0.2f + k * 0.15f;
         float bx = iso.X({u, 0.78f, 0}), by = iso.Y({u, 0.78f, 0});
@@ -269,7 +268,6 @@ ObjDef WeaponRack(uint32_t seed) {
         float dx = tx - bx, dy = ty - by, l = std::hypot(dx, dy);
         float hx = tx + dx / l * 8, hy = ty + dy / l * 8;
         Poly(o.im, {tx - 2.2f, ty + 1, tx + 2.2f, ty + 1, hx, hy}, [&](float, float) { return Hex(0xB8BCC0); }, kInk, 0.6f);
-        (void)r;
     }
     float sx = iso.X({0.55f, 0.9f, 14}), sy = iso.Y({0.55f, 0.9f, 14});
     Paint(o.im, sx - 13, sy - 16, sx + 13, sy + 16, [&](float x, float y) { return SdEllipse(x, y, sx, sy, 10, 13); },
@@ -459,7 +457,6 @@ ObjDef Pillar(bool broken, uint32_t seed) {
                  return Shade(c, light);
              },
              broken ? Hex(0x4A4440) : st);
-    Iso top = iso;
     if (!broken) {
         // Capital: a square slab on top.
         const float c0 = 0.16f, ch = 10;
@@ -476,7 +473,6 @@ ObjDef Pillar(bool broken, uint32_t seed) {
              [&](float x, float) { return Shade(Hex(0x5A544C), 1.1f - (x - cx) / 40.f); }, kInk);
         Beam(o.im, iso, {0.75f, 0.05f, 0}, {0.95f, 0.85f, 0}, 0.22f, 10, seed + 6, false, Hex(0x6E675E));
     }
-    (void)top;
     return o;
 }
 
@@ -615,7 +611,6 @@ ObjDef Frame(bool alongV, uint32_t seed) {
     post(0.5f);
     Beam(o.im, iso, P(0.3f, 0.5f, H), P(n - 0.3f, 0.5f, H), 0.2f, 9, seed + 2, false, wood);
     post(n - 0.5f);
-    // Wedges between the cap and the posts.
     return o;
 }
 
@@ -1030,7 +1025,6 @@ ObjDef ArmorStand(uint32_t seed) {
               if (std::fabs(y - hy + 1) < 1.f && std::fabs(x - cx) < 5) return Hex(0x1A1A1C);  // eye slit
               return Shade(Hex(0x9A9EA4), 1.2f - (x - cx + 7) / 18.f);
           });
-    (void)seed;
     return o;
 }
 

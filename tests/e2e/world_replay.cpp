@@ -166,9 +166,10 @@ TEST(WorldE2E, WalkingIntoAnExitLoadsTheOtherMap) {
     EXPECT_EQ(Field(r.state, "", "map"), "greywood.map") << r.state;
     EXPECT_EQ(Field(r.state, "", "map_name"), "Greywood");
     EXPECT_EQ(Field(r.state, "", "mode_name"), "GS_PLAY");
-    // An exit puts the hero on the target's default start cell (5, 22), facing down.
-    EXPECT_EQ(IntField(r.state, "hero", "x"), BoxX(5, 22));
-    EXPECT_EQ(IntField(r.state, "hero", "y"), BoxY(5, 22));
+    // An exit puts the hero on the target's default start cell, Greywood's crossroads
+    // (25, 22), facing down.
+    EXPECT_EQ(IntField(r.state, "hero", "x"), BoxX(25, 22));
+    EXPECT_EQ(IntField(r.state, "hero", "y"), BoxY(25, 22));
     EXPECT_EQ(IntField(r.state, "hero", "direction"), 5);
     EXPECT_EQ(Field(r.state, "hero", "state"), "stand");
     ASSERT_TRUE(fs::exists(shot));

@@ -9,12 +9,10 @@
 #include <algorithm>
 #include <array>
 
-#include "iso.h"
-#include "noise.h"
-#include "output.h"
+#include "objkit.h"
 
 namespace art {
-namespace {
+namespace obj {
 
 const Col kInk = Hex(0x1C1612);
 
@@ -26,17 +24,6 @@ float Light(V3 n) {
     return 0.62f + 0.5f * std::max(0.f, d);
 }
 
-struct Cell {
-    int di, dj;
-};
-
-struct ObjDef {
-    std::string name;
-    Img im;
-    int ax = 0, ay = 0;  // base cell box inside the picture
-    std::vector<Cell> block, ground, walk;
-};
-
 // Base cell box at (ax, ay): the ground point (0,0,0) is the top corner of that cell.
 Iso IsoAt(int ax, int ay) { return Iso{float(ax + 32), float(ay)}; }
 
@@ -47,10 +34,6 @@ void Shadow(Img& im, float cx, float cy, float rx, float ry) {
 }
 
 // ---------------------------------------------------------------- foliage
-
-struct Blob {
-    float x, y, r;
-};
 
 // Leaf clumps: each clump is lit from the upper left by its own roundness and darker
 // the lower it hangs in the crown; edges are ragged with leaf-sized noise.
@@ -217,7 +200,7 @@ ObjDef Bush(uint32_t seed, const char* name, Col base, bool berries) {
 }
 
 // Faceted boulder: a dome whose normal is snapped to a few facets.
-void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c) {
+void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col c, bool mossy) {
     Paint(im, cx - rx - 3, cy - ry * 1.4f - 3, cx + rx + 3, cy + ry * 0.6f + 3,
           [&](float x, float y) {
               float ang = std::atan2(y - cy, x - cx);
@@ -237,7 +220,7 @@ void Boulder(Img& im, float cx, float cy, float rx, float ry, uint32_t seed, Col
               float k = 0.9f + l * 0.35f + (Rand01(int(x), int(y), seed) - 0.5f) * 0.1f;
               Col col = Shade(c, k);
               float moss = VNoise(x / 5.f, y / 4.f, seed + 9);
-              if (ny < -0.3f && moss > 0.6f) col = Mix(col, Hex(0x56683A), 0.6f);
+              if (mossy && ny < -0.3f && moss > 0.6f) col = Mix(col, Hex(0x56683A), 0.6f);
               return col;
           });
 }
@@ -289,7 +272,7 @@ Col StoneCourses(float x, float z, uint32_t seed, Col base) {
     return c;
 }
 
-Col Planks(float x, float z, uint32_t seed, Col base, float width = 5.f) {
+Col Planks(float x, float z, uint32_t seed, Col base, float width) {
     int p = int(std::floor(x / width));
     float fx = x - p * width;
     if (fx < 0.9f) return Shade(base, 0.45f);
@@ -327,7 +310,7 @@ struct HouseStyle {
 
 // A house of U x V cells with a gable roof whose ridge runs along u. The door and
 // windows are on the front face (v = V, facing down-left).
-ObjDef House(const char* name, bool stone, uint32_t seed, bool swap = false) {
+ObjDef House(const char* name, bool stone, uint32_t seed, bool swap) {
     const float U = 3, V = 2, H = stone ? 74.f : 72.f, R = stone ? 40.f : 46.f, e = 0.22f;
     ObjDef o{name, Img(240, 230), 0, 0, {}, {}, {}};
     // Place the footprint so the roof fits: the base cell's top corner sits at
@@ -337,7 +320,7 @@ ObjDef House(const char* name, bool stone, uint32_t seed, bool swap = false) {
     Iso iso = IsoAt(o.ax, o.ay);
     iso.swap = swap;
     // Light by the face's real direction once the axes are exchanged.
-    auto Light = [&](V3 n) { return art::Light(swap ? V3{n.v, n.u, n.z} : n); };
+    auto Light = [&](V3 n) { return obj::Light(swap ? V3{n.v, n.u, n.z} : n); };
     for (int i = 0; i < int(U); ++i)
         for (int j = 0; j < int(V); ++j) o.block.push_back({i, j});
     auto cell = [&](int i, int j) { return swap ? Cell{j, i} : Cell{i, j}; };
@@ -1004,9 +987,10 @@ void VillageReview(Output& out, const Img& sheet, const std::vector<ObjDef>& obj
     out.AddReview("scene", "village", ground);
 }
 
-}  // namespace
+}  // namespace obj
 
 void GenObjects(Output& out, const std::string& tilesetDir) {
+    using namespace obj;
     std::vector<ObjDef> objs;
     objs.push_back(Oak(101, "oak"));
     objs.push_back(Oak(102, "oak2"));
@@ -1040,26 +1024,34 @@ void GenObjects(Output& out, const std::string& tilesetDir) {
     objs.push_back(Shrine(123));
     objs.push_back(Reeds(124));
     objs.push_back(Campfire(125));
+    const size_t firstSet = objs.size();
+    PlaceObjects(objs);
 
-    // Shelf packing, tallest first, so the sheet stays compact.
+    // Shelf packing, tallest first, so the sheet stays compact. The objects of the
+    // places come after the first set, on shelves of their own, so the first set
+    // keeps its places on the sheet.
     std::vector<size_t> order(objs.size());
     for (size_t i = 0; i < order.size(); ++i) order[i] = i;
-    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) { return objs[a].im.h > objs[b].im.h; });
+    auto taller = [&](size_t a, size_t b) { return objs[a].im.h > objs[b].im.h; };
+    std::stable_sort(order.begin(), order.begin() + long(firstSet), taller);
+    std::stable_sort(order.begin() + long(firstSet), order.end(), taller);
     Img sheet(2048, 1600);
     std::string man =
         "# objects manifest: name rect=x,y,w,h (on obj.bmp) anchor=ax,ay (base cell box inside the rect)\n"
         "# block=di,dj;... (blocked cells from the base cell) ground=px,py;... (64x32 ground pieces on obj.bmp)\n"
         "# walk=di,dj;... (cells on the object that stay walkable). Draw at world (cellx - ax, celly - ay).\n";
+    int maxW = 0, maxH = 0;
+    for (const ObjDef& o : objs) maxW = std::max(maxW, o.im.w), maxH = std::max(maxH, o.im.h);
     std::string tsx =
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-        "<tileset version=\"1.10\" tiledversion=\"1.10.0\" name=\"objects\" tilewidth=\"240\" "
-        "tileheight=\"230\" tilecount=\"" + std::to_string(objs.size()) + "\" columns=\"0\">\n"
+        "<tileset version=\"1.10\" tiledversion=\"1.10.0\" name=\"objects\" tilewidth=\"" + std::to_string(maxW) +
+        "\" tileheight=\"" + std::to_string(maxH) + "\" tilecount=\"" + std::to_string(objs.size()) + "\" columns=\"0\">\n"
         " <grid orientation=\"isometric\" width=\"64\" height=\"32\"/>\n";
     int x = 0, y = 0, shelfH = 0;
     std::vector<int> px(objs.size()), py(objs.size());
     for (size_t i : order) {
         const Img& im = objs[i].im;
-        if (x + im.w > 2048) { x = 0; y += shelfH + 4; shelfH = 0; }
+        if (x + im.w > 2048 || (firstSet < order.size() && i == order[firstSet] && x > 0)) { x = 0; y += shelfH + 4; shelfH = 0; }
         px[i] = x; py[i] = y;
         x += im.w + 4;
         shelfH = std::max(shelfH, im.h);

@@ -49,11 +49,27 @@ bool LoadRecipes(const std::string& dir, std::string& error) {
         if (!(ls >> tt.type >> tt.prefix >> tt.name >> tt.count) || tt.count < 1 || tt.count > 99 ||
             tt.type != int(r.tiles.size()) + 1 || tt.prefix.size() > 16)
             return error = "tiles.txt line " + std::to_string(no) + ": expected '<type> <prefix> <name> <count 1-99>' in type order", false;
-        if (tt.type >= 7 && tt.count % 14 != 0)
-            return error = "tiles.txt line " + std::to_string(no) + ": corner pieces come in sets of 14", false;
+        // A name "a-b" makes corner pieces from full ground a to full ground b, both
+        // listed earlier.
+        const size_t dash = tt.name.find('-');
+        if (dash != std::string::npos) {
+            const std::string a = tt.name.substr(0, dash), b = tt.name.substr(dash + 1);
+            for (const TileType& f : r.tiles) {
+                if (f.base != 0) continue;
+                if (f.name == a) tt.base = f.type;
+                if (f.name == b) tt.other = f.type;
+            }
+            if (tt.base == 0 || tt.other == 0 || tt.base == tt.other)
+                return error = "tiles.txt line " + std::to_string(no) + ": " + tt.name +
+                               " must join two different full grounds listed before it", false;
+            if (tt.count % 14 != 0)
+                return error = "tiles.txt line " + std::to_string(no) + ": corner pieces come in sets of 14", false;
+        } else if (!KnownGround(tt.name)) {
+            return error = "tiles.txt line " + std::to_string(no) + ": no painter for the ground " + tt.name, false;
+        }
         r.tiles.push_back(tt);
     }
-    if (r.tiles.size() != 10) return error = "tiles.txt must list the ten types 1-10", false;
+    if (r.tiles.size() < 10) return error = "tiles.txt must list at least the ten types 1-10", false;
     g_recipes = r;
     return true;
 }

@@ -12,6 +12,9 @@ struct TileType {
     int type = 0;
     std::string prefix, name;
     int count = 0;
+    // Corner pieces ("grass-dirt"): the two full grounds they join, by type number;
+    // 0 for a full ground.
+    int base = 0, other = 0;
 };
 
 struct Recipes {
@@ -20,6 +23,8 @@ struct Recipes {
 };
 
 bool LoadRecipes(const std::string& dir, std::string& error);
+// Whether the tile painter knows a full ground of this name (tiles.cpp).
+bool KnownGround(const std::string& name);
 const Recipes& GetRecipes();
 // The caption for a key (checked to exist when the recipes were loaded).
 const std::string& Caption(const std::string& key);

@@ -1,5 +1,5 @@
-// Ground tiles: six ground types and the grass transitions, the tiles.ini catalogue,
-// the tile manifest for the map compiler and the Tiled tilesets.
+// Ground tiles: the full ground types and the corner pieces between two of them, the
+// tiles.ini catalogue, the tile manifest for the map compiler and the Tiled tilesets.
 //
 // Every ground type has a base texture that repeats on the cell lattice, so any two
 // tiles of a type join without a seam; variants differ only by details painted in the
@@ -30,7 +30,22 @@ float Bump(const std::function<float(float, float)>& h, float x, float y, float 
     return 1.f + (h(x - 1, y - 1) - h(x + 1, y + 1)) * k;
 }
 
-enum Ground { kGrass = 1, kDirt, kStone, kSand, kWater, kCave };
+// Painters by ground; the numbers also seed each ground's noise, so a ground keeps its
+// pictures whatever type number the recipes give it.
+enum Ground { kGrass = 1, kDirt, kStone, kSand, kWater, kCave, kRock = 11, kAsh = 12, kScorch = 13 };
+
+const struct {
+    const char* name;
+    Ground ground;
+} kGrounds[] = {{"grass", kGrass}, {"dirt", kDirt}, {"stone", kStone}, {"sand", kSand},
+                {"water", kWater}, {"cave", kCave}, {"rock", kRock},   {"ash", kAsh},
+                {"scorch", kScorch}};
+
+Ground GroundOf(const std::string& name) {
+    for (const auto& g : kGrounds)
+        if (name == g.name) return g.ground;
+    return kGrass;
+}
 
 Col GrassBase(float x, float y) {
     float n1 = IsoNoise(x, y, 11, 2, 3);
@@ -87,14 +102,35 @@ Col WaterBase(float x, float y) {
 
 Col CaveBase(float x, float y) {
     auto h = [](float a, float b) { return IsoNoise(a, b, 61, 3, 3); };
-    Col c = Mix(Hex(0x2E2A27), Hex(0x57504A), Smooth(0.2f, 0.8f, h(x, y)));
-    c = Shade(c, Bump(h, x, y, 2.0f));
+    Col c = Mix(Hex(0x36312D), Hex(0x5A534C), Smooth(0.2f, 0.8f, h(x, y)));
+    c = Shade(c, Bump(h, x, y, 1.1f));
     float r = IsoNoise(x, y, 62, 4, 2);
     float crack = 1.f - std::fabs(2 * r - 1);
     if (crack > 0.94f) c = Shade(c, 0.6f);
-    float damp = IsoNoise(x, y, 63, 2, 2);
-    c = Mix(c, Hex(0x263034), Smooth(0.65f, 0.85f, damp) * 0.5f);
     c = Shade(c, 0.94f + IsoGrain(int(x), int(y), 64) * 0.1f);
+    return c;
+}
+
+// The rock of cave walls seen from above: dark lumps catching a little light and a
+// few mineral specks.
+Col RockBase(float x, float y) {
+    auto h = [](float a, float b) { return IsoNoise(a, b, 71, 3, 3); };
+    Col c = Mix(Hex(0x0D0B09), Hex(0x1C1713), Smooth(0.3f, 0.7f, h(x, y)));
+    c = Shade(c, Bump(h, x, y, 0.8f));
+    c = Shade(c, 0.95f + IsoGrain(int(x), int(y), 74) * 0.08f);
+    return c;
+}
+
+// Burned ground: soot-dark earth with drifts of pale ash, charred patches and the
+// odd ember still glowing.
+Col AshBase(float x, float y) {
+    auto h = [](float a, float b) { return IsoNoise(a, b, 81, 3, 3); };
+    Col c = Mix(Hex(0x2E2926), Hex(0x463F3A), Smooth(0.2f, 0.8f, h(x, y)));
+    c = Mix(c, Hex(0x8A847C), Smooth(0.58f, 0.85f, IsoNoise(x, y, 82, 2, 2)) * 0.3f);
+    c = Mix(c, Hex(0x120F0D), Smooth(0.62f, 0.9f, IsoNoise(x, y, 83, 5, 2)) * 0.45f);
+    c = Shade(c, Bump(h, x, y, 0.8f));
+    c = Shade(c, 0.92f + IsoGrain(int(x), int(y), 84) * 0.14f);
+    if (IsoGrain(int(x), int(y), 85) > 0.993f) c = Hex(0xC8642A);
     return c;
 }
 
@@ -137,6 +173,15 @@ Col StoneBase(float x, float y, int merge = 0) {
     return c;
 }
 
+// The keep's flagstones after the fire: the same slabs under soot, darker in the
+// joints, with scorch marks that wander across them.
+Col ScorchBase(float x, float y, int merge = 0) {
+    Col c = Shade(StoneBase(x, y, merge), 0.66f);
+    c = Mix(c, Hex(0x161311), Smooth(0.5f, 0.85f, IsoNoise(x, y, 91, 3, 2)) * 0.55f);
+    c = Mix(c, Hex(0x3A2A20), Smooth(0.6f, 0.9f, IsoNoise(x, y, 92, 2, 2)) * 0.35f);  // rust-brown heat stains
+    return c;
+}
+
 Col Base(int type, float x, float y) {
     switch (type) {
         case kGrass: return GrassBase(x, y);
@@ -144,6 +189,9 @@ Col Base(int type, float x, float y) {
         case kStone: return StoneBase(x, y);
         case kSand: return SandBase(x, y);
         case kWater: return WaterBase(x, y);
+        case kRock: return RockBase(x, y);
+        case kAsh: return AshBase(x, y);
+        case kScorch: return ScorchBase(x, y);
         default: return CaveBase(x, y);
     }
 }
@@ -202,11 +250,13 @@ void Ripple(Img& im, float cx, float cy, float r, float strength) {
 
 Img FullTile(int type, int k) {
     Img im = BaseTile(type);
-    if (type == kStone) {
+    if (type == kStone || type == kScorch) {
         static const int kMerge[10] = {0, 1, 4, 3, 0, 12, 2, 8, 0, 3};
         for (int y = 0; y < 32; ++y)
             for (int x = 0; x < 64; ++x)
-                if (InDiamond(x, y)) im.Set(x, y, StoneBase(x + 0.5f, y + 0.5f, kMerge[k % 10]));
+                if (InDiamond(x, y))
+                    im.Set(x, y, type == kStone ? StoneBase(x + 0.5f, y + 0.5f, kMerge[k % 10])
+                                                : ScorchBase(x + 0.5f, y + 0.5f, kMerge[k % 10]));
     }
     // Broad light and dark patches of this picture only, gone before the edges, so a
     // field of random variants does not show the lattice.
@@ -307,11 +357,80 @@ Img FullTile(int type, int k) {
                 }
             break;
         }
+        case kRock: {
+            // Knobs of rock standing out of the mass, and now and then a seam of ore.
+            int n = 1 + k % 3;
+            for (int i = 0; i < n; ++i)
+                if (spot(0.35f, x, y)) Pebble(im, x, y, r.R(2.f, 4.f), Hex(0x241E19));
+            if (k == 1 && spot(0.45f, x, y)) {
+                float ang = r.R(0, kPi), len = r.R(4, 7);
+                float dx = std::cos(ang) * len, dy = std::sin(ang) * len * 0.5f;
+                Paint(im, x - 12, y - 7, x + 12, y + 7,
+                      [&](float px, float py) { return SdSegment(px, py, x - dx, y - dy, x + dx, y + dy, 0.7f); },
+                      [&](float px, float, float) { return Rand01(int(px), 0, 75 + k) > 0.6f ? Hex(0xB08A48) : Hex(0x6A4E30); });
+            }
+            break;
+        }
+        case kScorch: {
+            // A crack, a drift of ash in the joints, cinders.
+            if (k % 3 != 0 && spot(0.45f, x, y)) {
+                float ang = r.R(0, kPi), len = r.R(5, 10);
+                float dx = std::cos(ang) * len, dy = std::sin(ang) * len * 0.5f;
+                Paint(im, x - 12, y - 7, x + 12, y + 7,
+                      [&](float px, float py) { return SdSegment(px, py, x - dx, y - dy, x + dx, y + dy, 0.5f); },
+                      [&](float, float, float) { return Hex(0x0E0C0B); });
+            }
+            for (int yy = 0; yy < 32; ++yy)
+                for (int xx = 0; xx < 64; ++xx) {
+                    if (!InDiamond(xx, yy)) continue;
+                    float fx = xx + 0.5f, fy = yy + 0.5f;
+                    float f = Smooth(0.1f, 0.3f, Inner(fx, fy));
+                    float a = VNoise(fx / 7.f, fy / 4.f, 500 + k);
+                    if (a > 0.68f) im.Tint(xx, yy, Hex(0x7A746C), (a - 0.68f) * 2.f * f);
+                }
+            if (k % 4 == 1 && spot(0.3f, x, y))
+                Paint(im, x - 2, y - 2, x + 2, y + 2, [&](float px, float py) { return SdCircle(px, py, x, y, 0.9f); },
+                      [&](float, float, float) { return Hex(0xC8582A); });
+            break;
+        }
+        case kAsh: {
+            // Drifts of pale ash and patches of char of this picture only, then charred
+            // sticks, cinders and, on a few pictures, a scorched bone.
+            for (int yy = 0; yy < 32; ++yy)
+                for (int xx = 0; xx < 64; ++xx) {
+                    if (!InDiamond(xx, yy)) continue;
+                    float fx = xx + 0.5f, fy = yy + 0.5f;
+                    float f = Smooth(0.f, 0.45f, Inner(fx, fy));
+                    float a = VNoise(fx / 8.f, fy / 4.f, 600 + k), b = VNoise(fx / 6.f, fy / 3.f, 700 + k);
+                    if (a > 0.6f) im.Tint(xx, yy, Hex(0x8E8880), (a - 0.6f) * 1.6f * f);
+                    if (b > 0.62f) im.Tint(xx, yy, Hex(0x100D0C), (b - 0.62f) * 1.8f * f);
+                }
+            int n = k % 3;
+            for (int i = 0; i < n; ++i)
+                if (spot(0.4f, x, y)) {
+                    float ang = r.R(0, kPi), len = r.R(3, 7);
+                    float dx = std::cos(ang) * len, dy = std::sin(ang) * len * 0.5f;
+                    Paint(im, x - 10, y - 6, x + 10, y + 6,
+                          [&](float px, float py) { return SdSegment(px, py, x - dx, y - dy, x + dx, y + dy, 1.f); },
+                          [&](float, float py, float d) { return d > -0.5f ? Hex(0x0C0A09) : (py < y ? Hex(0x3A302A) : Hex(0x1A1614)); });
+                }
+            int cinders = 1 + k % 4;
+            for (int i = 0; i < cinders; ++i)
+                if (spot(0.3f, x, y)) {
+                    Paint(im, x - 2, y - 2, x + 2, y + 2, [&](float px, float py) { return SdCircle(px, py, x, y, 0.9f); },
+                          [&](float, float, float) { return i % 2 ? Hex(0xE07A30) : Hex(0x9A3A1A); });
+                }
+            if (k % 5 == 3 && spot(0.45f, x, y))
+                Paint(im, x - 6, y - 3, x + 6, y + 3,
+                      [&](float px, float py) { return SdSegment(px, py, x - 3.5f, y + 1, x + 3.5f, y - 1, 0.8f); },
+                      [&](float, float py, float d) { return d > -0.4f ? Hex(0x3A3530) : (py < y ? Hex(0xA8A090) : Hex(0x807868)); });
+            break;
+        }
         default: {
             int n = 1 + k % 3;
             for (int i = 0; i < n; ++i)
                 if (spot(0.35f, x, y)) Pebble(im, x, y, r.R(1.3f, 3.f), Hex(0x6A625A));
-            if (k % 4 == 2 && spot(0.4f, x, y)) {  // puddle
+            if (k == 2 && spot(0.4f, x, y)) {  // puddle
                 float rx = r.R(5, 8), ry = rx * 0.45f;
                 Paint(im, x - rx - 1, y - ry - 1, x + rx + 1, y + ry + 1,
                       [&](float px, float py) { return SdEllipse(px, py, x, y, rx, ry); },
@@ -332,15 +451,19 @@ Img FullTile(int type, int k) {
     return im;
 }
 
-// Grass to another ground: the field below 0.5 is grass, above is the other ground.
-Img TransitionTile(int other, int mask, int variant) {
+// One ground to another: the field below 0.5 is the base ground, above is the other.
+Img TransitionTile(int base, int other, int mask, int variant) {
     float cN = (mask >> 3) & 1, cE = (mask >> 2) & 1, cS = (mask >> 1) & 1, cW = mask & 1;
     Img im(64, 32);
-    auto field = [&](float x, float y) {
+    const uint32_t seed = base == kGrass ? 0u : 100u * uint32_t(base);  // grass pieces keep their seeds
+    auto corners = [&](float x, float y) {  // the corner values spread over the diamond
         float a = (x - 32) / 64.f + y / 32.f, b = -(x - 32) / 64.f + y / 32.f;
-        float v = cN * (1 - a) * (1 - b) + cE * a * (1 - b) + cW * (1 - a) * b + cS * a * b;
-        float n = IsoNoise(x, y, 700 + other, 2, 3) - 0.5f;
-        float extra = (VNoise(x / 9.f, y / 5.f, 800 + other * 10 + variant) - 0.5f) *
+        return cN * (1 - a) * (1 - b) + cE * a * (1 - b) + cW * (1 - a) * b + cS * a * b;
+    };
+    auto field = [&](float x, float y) {
+        float v = corners(x, y);
+        float n = IsoNoise(x, y, seed + 700 + other, 2, 3) - 0.5f;
+        float extra = (VNoise(x / 9.f, y / 5.f, seed + 800 + other * 10 + variant) - 0.5f) *
                       Smooth(0.f, 0.3f, Inner(x, y));
         return v + n * 0.42f + extra * 0.22f;
     };
@@ -349,11 +472,36 @@ Img TransitionTile(int other, int mask, int variant) {
             if (!InDiamond(x, y)) continue;
             float fx = x + 0.5f, fy = y + 0.5f;
             float f = field(fx, fy);
-            Col g = GrassBase(fx, fy), o = Base(other, fx, fy);
+            Col g = Base(base, fx, fy), o = Base(other, fx, fy);
             float t = Smooth(0.47f, 0.53f, f);
             Col c = Mix(g, o, t);
             float dEdge = (f - 0.5f);  // signed, >0 on the other side
-            if (other == kWater) {
+            if (other == kRock) {
+                // The rock stands above the floor. Where it lies up the screen its face
+                // drops in front of it down to a shadow on the floor; its lip catches
+                // the light. Elsewhere only a narrow shadow runs along its foot.
+                float gy = field(fx, fy + 1.f) - field(fx, fy - 1.f);  // < 0: rock above
+                // No face along an edge whose two corners are both floor: the full
+                // floor tile beside it has none either.
+                float up = Smooth(0.015f, 0.05f, -gy) * Smooth(0.05f, 0.2f, corners(fx, fy));
+                const float band = 0.45f;
+                float depth = (0.5f - f) / band;  // 0 at the lip, 1 at the foot of the face
+                if (f < 0.5f && depth < 1.f && up > 0.f) {
+                    float strata = VNoise(fx / 2.f, fy / 9.f, seed + 901 + variant);
+                    Col face = Mix(Hex(0x3C3026), Hex(0x66543F), strata);
+                    if (std::fmod(fy + strata * 6.f, 6.f) < 1.f) face = Shade(face, 0.72f);  // ledges
+                    face = Shade(face, 1.1f - depth * 0.55f);
+                    c = Mix(c, face, up * Smooth(1.f, 0.88f, depth));
+                }
+                if (f < 0.5f) {
+                    // Shadow at the foot of the face, or along the edge where no face shows.
+                    float footShadow = std::exp(-std::pow((depth - 1.05f) * 7.f, 2.f)) * up;
+                    float edgeShadow = Smooth(0.5f, 0.f, depth) * (1 - up);
+                    c = Shade(c, 1.f - 0.5f * footShadow - 0.4f * edgeShadow);
+                } else {
+                    c = Shade(c, 1.f + 0.3f * Smooth(0.6f, 0.5f, f) * (0.4f + up));  // lit lip
+                }
+            } else if (other == kWater) {
                 // Muddy bank on the grass side, a pale line of foam at the water's edge.
                 c = Mix(c, Hex(0x4A4330), Smooth(0.28f, 0.47f, f) * (1 - t) * 0.85f);
                 float foam = std::exp(-std::pow((dEdge - 0.04f) * 45.f, 2.f));
@@ -412,13 +560,45 @@ Img GroundScene() {
             Img t;
             if (mask == 0) t = FullTile(kGrass, int(h % 12));
             else if (mask == 15) t = FullTile(other, int(h % (other == kWater ? 16 : 10)));
-            else t = TransitionTile(other, mask, int(h % 2));
+            else t = TransitionTile(kGrass, other, mask, int(h % 2));
+            im.Draw(t, 32 * (i - j) + 32 * n - 32, 16 * (i + j));
+        }
+    return im;
+}
+
+// A stretch of mine for review: rock with tunnels and a chamber cut into it, the way
+// the maps lay cave floor and rock pieces.
+Img CaveScene() {
+    const int n = 20;
+    auto floor = [&](int i, int j) {
+        float fi = float(i), fj = float(j);
+        if (std::fabs(fj - 6.f) <= 1.5f && i > 0) return true;           // gallery along the first axis
+        if (std::fabs(fi - 12.f) <= 1.2f && j >= 6 && j < 17) return true;  // side tunnel
+        return std::hypot(fi - 12.f, fj - 14.f) < 3.6f;                    // chamber
+    };
+    Img im(64 * n + 64, 32 * n + 32);
+    im.Fill(Hex(0x000000));
+    for (int i = 0; i < n; ++i)
+        for (int j = 0; j < n; ++j) {
+            int mask = (floor(i, j) ? 0 : 8) | (floor(i + 1, j) ? 0 : 4) | (floor(i + 1, j + 1) ? 0 : 2) |
+                       (floor(i, j + 1) ? 0 : 1);
+            uint32_t h = Hash3(i, j, 6);
+            Img t;
+            if (mask == 0) t = FullTile(kCave, int(h % 10));
+            else if (mask == 15) t = FullTile(kRock, int(h % 10));
+            else t = TransitionTile(kCave, kRock, mask, int(h % 2));
             im.Draw(t, 32 * (i - j) + 32 * n - 32, 16 * (i + j));
         }
     return im;
 }
 
 }  // namespace
+
+bool KnownGround(const std::string& name) {
+    for (const auto& g : kGrounds)
+        if (name == g.name) return true;
+    return false;
+}
 
 void GenTiles(Output& out, const std::string& tilesetDir) {
     const std::vector<TileType>& types = GetRecipes().tiles;
@@ -437,13 +617,14 @@ void GenTiles(Output& out, const std::string& tilesetDir) {
         for (int k = 0; k < t.count; ++k) {
             Img im;
             std::string role;
-            if (t.type <= 6) {
-                im = FullTile(t.type, k);
+            if (t.base == 0) {
+                im = FullTile(GroundOf(t.name), k);
                 role = t.name + " full " + std::to_string(k);
             } else {
-                int other = t.type - 5;  // 7 -> dirt (2), 8 -> stone, 9 -> sand, 10 -> water
+                const Ground base = GroundOf(types[size_t(t.base - 1)].name);
+                const Ground other = GroundOf(types[size_t(t.other - 1)].name);
                 int mask = k % 14 + 1, variant = k / 14;
-                im = TransitionTile(other, mask, variant);
+                im = TransitionTile(base, other, mask, variant);
                 char nesw[5] = {char('0' + ((mask >> 3) & 1)), char('0' + ((mask >> 2) & 1)),
                                 char('0' + ((mask >> 1) & 1)), char('0' + (mask & 1)), 0};
                 role = t.name + " NESW=" + nesw + " " + std::to_string(variant);
@@ -471,6 +652,11 @@ void GenTiles(Output& out, const std::string& tilesetDir) {
     for (int y = 0; y < 400; ++y)
         for (int x = 0; x < 640; ++x) zoom.Set(x, y, scene.Get(250 + x / 2, 60 + y / 2));
     out.AddReview("scene", "ground_zoom", zoom);
+    Img cave = CaveScene();
+    out.AddReview("scene", "cave", cave);
+    for (int y = 0; y < 400; ++y)
+        for (int x = 0; x < 640; ++x) zoom.Set(x, y, cave.Get(420 + x / 2, 100 + y / 2));
+    out.AddReview("scene", "cave_zoom", zoom);
     out.AddText("manifest/tiles.txt", man);
 }
 

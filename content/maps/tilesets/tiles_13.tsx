@@ -1,0 +1,9 @@
+<?xml version="1.0" encoding="UTF-8"?>
+<tileset version="1.10" tiledversion="1.10.0" name="cave-rock" tilewidth="64" tileheight="32" tilecount="200" columns="10">
+ <properties>
+  <property name="tiletype" type="int" value="13"/>
+  <property name="prefix" value="cr"/>
+  <property name="pictures" type="int" value="28"/>
+ </properties>
+ <image source="sheet_13.png" width="640" height="640"/>
+</tileset>

@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "base/byte_reader.h"
 #include "base/gbk.h"
 #include "xml.h"
 
@@ -284,21 +285,8 @@ bool CopyText(char* dst, size_t size, const std::string& utf8, const char* what,
 
 }  // namespace
 
-std::vector<uint8_t> SCompiledMap::Bytes() const {
-    std::vector<uint8_t> out;
-    auto put = [&out](const void* p, size_t n) {
-        const uint8_t* b = static_cast<const uint8_t*>(p);
-        out.insert(out.end(), b, b + n);
-    };
-    put(&header, sizeof header);
-    put(cells.data(), cells.size() * sizeof(SMapCell));
-    put(objects.data(), objects.size() * sizeof(SMapObject));
-    put(npcs.data(), npcs.size() * sizeof(SMapNpc));
-    return out;
-}
-
 bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SManifest& manifest,
-                SRegistries& registries, SCompiledMap& out, std::vector<std::string>& errors) {
+                SRegistries& registries, SMapFile& out, std::vector<std::string>& errors) {
     const size_t errorsBefore = errors.size();
     SContext ctx{BaseName(tmxPath), errors};
     std::string text, error;
@@ -559,6 +547,13 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
     h.npcCount = int32_t(out.npcs.size());
     if (startValid && out.cells[size_t(h.startX) * size_t(n) + size_t(h.startY)].cross == 0)
         ctx.Error("the start " + CellName(h.startX, h.startY) + " is blocked");
+    if (errors.size() != errorsBefore) return false;
+    // The game's own reader must take what was compiled (sheet coordinates from
+    // the manifests included).
+    const std::vector<uint8_t> bytes = MapFileBytes(out);
+    CByteReader check(bytes, outName);
+    SMapFile back;
+    if (ReadMapFile(check, back) != EMapFileRead::Ok) ctx.Error("the game would refuse the compiled map: " + check.Reason());
     return errors.size() == errorsBefore;
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "media/cursor_ani.h"
+#include "media/cursor_file.h"
 
 namespace {
 

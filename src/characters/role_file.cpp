@@ -60,8 +60,11 @@ bool ReadRoleFile(CByteReader& in, SRoleFile& out, ERoleCheck check) {
     if (!in.Ok()) return false;
     if (check == ERoleCheck::Strict && !CheckStrict(in, f, actionsAt, framesAt)) return false;
     if (!CheckFrames(in, f, framesAt)) return false;
-    for (SRoleAction& a : f.actions) a.name[sizeof a.name - 1] = 0;
-    for (SRoleFrame& fr : f.frames) fr.bitmap[sizeof fr.bitmap - 1] = 0;
+    // Unterminated names are cut to their fields; terminated ones keep every byte.
+    for (SRoleAction& a : f.actions)
+        if (!Terminated(a.name, sizeof a.name)) a.name[sizeof a.name - 1] = 0;
+    for (SRoleFrame& fr : f.frames)
+        if (!Terminated(fr.bitmap, sizeof fr.bitmap)) fr.bitmap[sizeof fr.bitmap - 1] = 0;
     out = std::move(f);
     return true;
 }

@@ -2,6 +2,7 @@
 #include "world/map_file.h"
 
 #include <cstring>
+#include <utility>
 
 #include "base/byte_reader.h"
 
@@ -101,9 +102,10 @@ EMapFileRead ReadMapFile(CByteReader& in, SMapFile& out) {
         if (o.pieceCount < 0) o.pieceCount = 0;
         if (o.pieceCount > MAX_GROUND_PIECES) o.pieceCount = MAX_GROUND_PIECES;
     }
-    header.fileName[sizeof header.fileName - 1] = 0;
-    header.displayName[sizeof header.displayName - 1] = 0;
-    header.music[sizeof header.music - 1] = 0;
+    // Unterminated texts are cut to their fields; terminated ones keep every byte.
+    for (auto [text, size] : {std::pair<char*, size_t>{header.fileName, sizeof header.fileName},
+                              {header.displayName, sizeof header.displayName}, {header.music, sizeof header.music}})
+        if (!std::memchr(text, 0, size)) text[size - 1] = 0;
     map.header = header;
     if (!CheckCells(in, map, cellsAt) || !CheckObjects(in, map, objectsAt)) return EMapFileRead::Damaged;
     out = std::move(map);

@@ -46,8 +46,10 @@ TEST(ByteReader, LittleEndianValuesTextsAndRecords) {
     EXPECT_EQ(in.ReadText(4), "WXYZ");  // an unterminated text stops at its field
     SPair p{};
     ASSERT_TRUE(in.ReadRecord(p));
-    EXPECT_EQ(p.a, 7);
-    EXPECT_EQ(p.b, -2);
+    const uint16_t a = p.a;  // packed fields are compared through copies
+    const int32_t bValue = p.b;
+    EXPECT_EQ(a, 7);
+    EXPECT_EQ(bValue, -2);
     EXPECT_TRUE(in.AtEnd());
     EXPECT_TRUE(in.ExpectEnd());
     EXPECT_TRUE(in.Ok());

@@ -1,44 +1,39 @@
-// Map file reader on damaged maps: the input is written to a scratch file and
-// loaded; every cell of a loaded map is then asked for its script, exit and label,
-// and a few points outside and inside the grid go through PointToCell.
-#include <unistd.h>
-
+// Map file reader on damaged maps, fed as bytes. Whatever it accepts has every
+// sheet coordinate on its sheet and writes back to bytes that read the same.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <string>
 #include <vector>
 
-#include "world/map.h"
+#include "base/byte_reader.h"
+#include "world/map_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::string path = "/tmp/ashen_fuzz_map_" + std::to_string(getpid()) + ".map";
-    if (FILE* f = std::fopen(path.c_str(), "wb")) {
-        if (size) std::fwrite(data, 1, size, f);
-        std::fclose(f);
-    } else {
+    CByteReader in(data, size, "fuzz.map");
+    SMapFile map;
+    const EMapFileRead r = ReadMapFile(in, map);
+    if (r != EMapFileRead::Ok) {
+        if (in.Ok() || in.Error().empty()) __builtin_trap();  // every refusal says why
         return 0;
     }
-    CMap map;
-    map.SetRegistries("[count]\ncount=2\n[name]\n1=a.map\n2=b.map\n[comment]\n1=Gate\n2=Road\n",
-                      "[name]\n1=a.gsp\n2=b.gsp\n");
-    std::vector<SMapNpc> npcs;
-    if (!map.Load(path.c_str(), &npcs)) return 0;
-    if (map.Cells().size() != size_t(map.Size()) * size_t(map.Size())) __builtin_trap();
-    std::string out;
-    const int32_t n = map.Size() < 256 ? map.Size() : 256;
-    for (int32_t i = 0; i < n; ++i)
-        for (int32_t j = 0; j < n; ++j) {
-            SPoint p = map.GetCellPoint(i, j);
-            map.GetCellScript(out, p.x, p.y);
-            map.GetCellExit(out, p.x, p.y);
-            map.GetCellLabel(out, p.x, p.y);
-            map.GetCross(p.x, p.y);
-        }
-    const int32_t probes[][2] = {{-1, -1}, {0, 0}, {100000, 100000}, {-100000, 5}, {2147483647, -2147483647 - 1}};
-    for (const auto& q : probes) {
-        map.PointToCell(q[0], q[1]);
-        map.GetCellExit(out, q[0], q[1]);
+    const int64_t n = map.header.size;
+    if (n < 1 || n > MAP_MAX_SIZE || map.cells.size() != size_t(n * n)) __builtin_trap();
+    for (const SMapCell& c : map.cells)
+        if (c.picX < 0 || c.picY < 0 || c.picX + CELL_W > TILE_SHEET_W || c.picY + CELL_H > TILE_SHEET_H)
+            __builtin_trap();
+    for (const SMapObject& o : map.objects) {
+        if (o.pieceCount < 0 || o.pieceCount > MAX_GROUND_PIECES) __builtin_trap();
+        if (o.sheetX < 0 || o.sheetY < 0 || o.width < 0 || o.height < 0 ||
+            int64_t(o.sheetX) + o.width > OBJECT_SHEET_W || int64_t(o.sheetY) + o.height > OBJECT_SHEET_H)
+            __builtin_trap();
+        for (int32_t p = 0; p < o.pieceCount; ++p)
+            if (o.pieces[p][0] < 0 || o.pieces[p][1] < 0 || o.pieces[p][0] + CELL_W > OBJECT_SHEET_W ||
+                o.pieces[p][1] + CELL_H > OBJECT_SHEET_H)
+                __builtin_trap();
     }
+    const std::vector<uint8_t> bytes = MapFileBytes(map);
+    if (bytes.size() != size) __builtin_trap();
+    CByteReader again(bytes, "again.map");
+    SMapFile back;
+    if (ReadMapFile(again, back) != EMapFileRead::Ok || MapFileBytes(back) != bytes) __builtin_trap();
     return 0;
 }

@@ -71,3 +71,7 @@ enum EGameState : int32_t {
 // Screen dimensions of the game in game pixels, and of the map world.
 constexpr int SCREEN_W = 640, SCREEN_H = 480;
 constexpr int WORLD_W = 3200, WORLD_H = 1600;
+// The sheets pictures are cut from: the tile sheet (one tile type's pictures at a
+// time; also where a role's frame is staged) and the object sheet.
+constexpr int TILE_SHEET_W = 640, TILE_SHEET_H = 640;
+constexpr int OBJECT_SHEET_W = 2048, OBJECT_SHEET_H = 1600;

@@ -1,6 +1,7 @@
 // Roles: the animation file, frames and drawing, the per-tick update.
 #include "characters/role.h"
 
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -12,50 +13,15 @@
 #include "base/paths.h"
 
 namespace {
-struct SFileCloser {
-    void operator()(FILE* f) const { if (f) std::fclose(f); }
-};
-// Frames larger than the scratch sheet cannot be staged and are not drawn.
-constexpr int32_t kMaxFrameSide = 640;
 constexpr int kScratch = SURF_TILE;  // unused during play once the map is drawn
+
+// a + b kept inside the 32-bit range: positions from damaged files must not
+// overflow the frame arithmetic.
+int32_t ClampedAdd(int32_t a, int64_t b) {
+    const int64_t v = int64_t(a) + b;
+    return v < INT32_MIN ? INT32_MIN : v > INT32_MAX ? INT32_MAX : int32_t(v);
+}
 }  // namespace
-
-bool ReadRoleFile(const char* hostPath, SRoleFileHeader& header, std::vector<SRoleAction>& actions,
-                  std::vector<SRoleFrame>& frames) {
-    std::unique_ptr<FILE, SFileCloser> file(std::fopen(hostPath, "rb"));
-    if (!file) return false;
-    std::fseek(file.get(), 0, SEEK_END);
-    const long length = std::ftell(file.get());
-    std::fseek(file.get(), 0, SEEK_SET);
-    if (length < long(sizeof header) || std::fread(&header, sizeof header, 1, file.get()) != 1) return false;
-    if (header.magic != ROLE_FILE_MAGIC) return false;
-    if (header.actionCount < 0 || header.frameCount < 0 || header.actionCount > 4096 || header.frameCount > 1 << 20)
-        return false;
-    const int64_t need = int64_t(sizeof header) + int64_t(header.actionCount) * int64_t(sizeof(SRoleAction)) +
-                         int64_t(header.frameCount) * int64_t(sizeof(SRoleFrame));
-    if (need > int64_t(length)) return false;
-    actions.resize(size_t(header.actionCount));
-    frames.resize(size_t(header.frameCount));
-    if (std::fread(actions.data(), sizeof(SRoleAction), actions.size(), file.get()) != actions.size()) return false;
-    if (std::fread(frames.data(), sizeof(SRoleFrame), frames.size(), file.get()) != frames.size()) return false;
-    for (SRoleAction& a : actions) a.name[sizeof a.name - 1] = 0;
-    for (SRoleFrame& f : frames) f.bitmap[sizeof f.bitmap - 1] = 0;
-    return true;
-}
-
-bool WriteRoleFile(const char* hostPath, const std::vector<SRoleAction>& actions,
-                   const std::vector<SRoleFrame>& frames) {
-    std::unique_ptr<FILE, SFileCloser> file(std::fopen(hostPath, "wb"));
-    if (!file) return false;
-    SRoleFileHeader header{};
-    header.magic = ROLE_FILE_MAGIC;
-    header.frameCount = int32_t(frames.size());
-    header.actionCount = int32_t(actions.size());
-    bool ok = std::fwrite(&header, sizeof header, 1, file.get()) == 1;
-    ok = ok && std::fwrite(actions.data(), sizeof(SRoleAction), actions.size(), file.get()) == actions.size();
-    ok = ok && std::fwrite(frames.data(), sizeof(SRoleFrame), frames.size(), file.get()) == frames.size();
-    return ok && std::fclose(file.release()) == 0;
-}
 
 void BrightenPixels(uint16_t* pixels, int32_t width, int32_t height, int32_t pitch) {
     for (int32_t y = 0; y < height; ++y) {
@@ -89,11 +55,16 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
     m_pFightSound = new CSound();
     m_pSkillSound = new CSound();
     const std::string path = HostPath(std::string("data\\") + (fileName ? fileName : ""));
-    if (!ReadRoleFile(path.c_str(), m_header, m_actions, m_frames)) {
-        m_actions.clear();
-        m_frames.clear();
+    SRoleFile file;
+    std::string error;
+    bool missing = false;
+    if (!LoadRoleFile(path, file, &error, &missing)) {
+        if (!missing) m_pLog->Write("role file %s, refused!", error.c_str());
         return;
     }
+    m_header = file.header;
+    m_actions = std::move(file.actions);
+    m_frames = std::move(file.frames);
     if (g_pGraph) {
         for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(0, f.bitmap, cacheKind);
     }
@@ -103,8 +74,8 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
         const int f = m_actions[size_t(a)].firstFrame;
         if (f >= 0 && size_t(f) < m_frames.size()) {
             m_nFrame = f;
-            m_x = x + m_frames[size_t(f)].width / 2;
-            m_y = y - m_frames[size_t(f)].height / 2;
+            m_x = ClampedAdd(x, m_frames[size_t(f)].width / 2);
+            m_y = ClampedAdd(y, -(m_frames[size_t(f)].height / 2));
         }
     }
 }
@@ -143,7 +114,8 @@ void CRole::DrawFrameIndex(int frame) {
     if (!g_pGraph) return;
     const SRoleFrame& f = m_frames[size_t(frame)];
     const int32_t w = f.width, h = f.height;
-    if (w <= 0 || h <= 0 || w > kMaxFrameSide || h > kMaxFrameSide) return;
+    // The reader keeps frames within the staging sheet; an empty frame draws nothing.
+    if (w <= 0 || h <= 0 || w > ROLE_FRAME_MAX_W || h > ROLE_FRAME_MAX_H) return;
     CSurface* scratch = g_pGraph->GetSurface(kScratch);
     if (!scratch || scratch->width < w || scratch->height < h) return;
     SRect area{0, 0, w, h};
@@ -153,8 +125,8 @@ void CRole::DrawFrameIndex(int frame) {
         !g_pGraph->LoadBitmapToSurface(0, f.bitmap, kScratch, 0, 0, cache))
         DebugOut("loadmdbitmap failed.\n");
     if (m_bHighlight && std::strcmp(m_szState, "die") != 0) BrightenPixels(scratch->Row(0), w, h, scratch->width);
-    g_pGraph->BltClipped(m_nDrawSurface, WORLD_W, WORLD_H, kScratch, BLT_WAIT_SRCKEY, m_x - w / 2, m_y - h / 2, 0, 0,
-                         w, h);
+    g_pGraph->BltClipped(m_nDrawSurface, WORLD_W, WORLD_H, kScratch, BLT_WAIT_SRCKEY, ClampedAdd(m_x, -(w / 2)),
+                         ClampedAdd(m_y, -(h / 2)), 0, 0, w, h);
 }
 
 int CRole::SetAction(int dir, const char* name, int k) {
@@ -219,7 +191,8 @@ void CRole::Update(uint32_t stepWord) {
 SRect CRole::GetRect() const {
     if (m_nFrame < 0 || size_t(m_nFrame) >= m_frames.size()) return SRect{m_x, m_y, m_x, m_y};
     const SRoleFrame& f = m_frames[size_t(m_nFrame)];
-    return SRect{m_x - f.width / 2, m_y - f.height / 2, m_x + f.width / 2, m_y + f.height / 2};
+    return SRect{ClampedAdd(m_x, -(f.width / 2)), ClampedAdd(m_y, -(f.height / 2)), ClampedAdd(m_x, f.width / 2),
+                 ClampedAdd(m_y, f.height / 2)};
 }
 
 SPoint CRole::GetViewOrigin() const {

@@ -1,6 +1,6 @@
 // CRole: anything that stands, walks and fights on the map (the hero and every
-// NPC). A role reads its animation file (actions of eight directions, frames
-// naming pictures of the role pack), shows one frame per tick in its state and
+// NPC). A role reads its animation file (characters/role_file.h: actions of
+// eight directions, frames naming pictures of the role pack), shows one frame per tick in its state and
 // draws itself onto the role layer. Position is the centre of its picture.
 #pragma once
 #include <cstddef>
@@ -10,51 +10,13 @@
 #include <vector>
 
 #include "base/types.h"
+#include "characters/role_file.h"
 
 class CLog;
 class CSkill;
 class CUserItemPack;
 class CWeaponItemPack;
 class CSound;
-
-#pragma pack(push, 1)
-struct SRoleFileHeader {
-    int32_t magic;          // ROLE_FILE_MAGIC
-    uint8_t unused1[20];
-    int32_t frameCount;
-    int32_t actionCount;
-    uint8_t unused2[2500];
-};
-
-struct SRoleAction {
-    int32_t unused1;
-    char name[52];          // "stand", "walk", "run", "fight", "die", ...
-    int32_t framesPerDir;   // n: the action owns 8 x n frames
-    uint8_t unused2[3124];
-    int32_t firstFrame;     // index of its first frame in the frame table
-};
-
-struct SRoleFrame {
-    int32_t unused;
-    int32_t width, height;
-    char bitmap[32];        // picture in the role pack
-};
-#pragma pack(pop)
-
-static_assert(sizeof(SRoleFileHeader) == 2532, "role file header is 2532 bytes");
-static_assert(sizeof(SRoleAction) == 3188, "role action is 3188 bytes");
-static_assert(sizeof(SRoleFrame) == 44, "role frame is 44 bytes");
-static_assert(offsetof(SRoleAction, firstFrame) == 3184, "action layout");
-
-constexpr int32_t ROLE_FILE_MAGIC = 8077;
-
-// Reads a role animation file (host path). False when it cannot be opened, the
-// magic is wrong, or the counts and indices do not agree with the file.
-bool ReadRoleFile(const char* hostPath, SRoleFileHeader& header, std::vector<SRoleAction>& actions,
-                  std::vector<SRoleFrame>& frames);
-// Writes one (for tools and tests). False on a write failure.
-bool WriteRoleFile(const char* hostPath, const std::vector<SRoleAction>& actions,
-                   const std::vector<SRoleFrame>& frames);
 
 // The snapshot used by saved games and panels.
 struct SRoleInfo {

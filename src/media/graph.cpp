@@ -4,6 +4,7 @@
 #include "media/graph.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <cstdlib>
 #include <new>
@@ -34,8 +35,8 @@ const SSurfaceDesc kSurfaceDescs[SURF_COUNT] = {
     {WORLD_W, WORLD_H, false, "Create Layer Surface...  failed!"},
     {WORLD_W, WORLD_H, true, "Create Layer Surface...  failed!"},
     {WORLD_W, WORLD_H, true, "Create Layer Surface...  failed!"},
-    {640, 640, true, "Create Tile Surface...  failed!"},
-    {2048, 1600, true, "Create Object Surface...  failed!"},
+    {TILE_SHEET_W, TILE_SHEET_H, true, "Create Tile Surface...  failed!"},
+    {OBJECT_SHEET_W, OBJECT_SHEET_H, true, "Create Object Surface...  failed!"},
     {SCREEN_W, SCREEN_H, true, "Create Temp Surface...  failed!"},
 };
 
@@ -123,9 +124,11 @@ bool CGraph::BltFast(int dst, int32_t x, int32_t y, int src, const SRect& sr, ui
     CSurface* d = GetSurface(dst);
     CSurface* s = GetSurface(src);
     if (!d || !s || !d->Valid() || !s->Valid()) return false;
-    const int32_t w = sr.right - sr.left, h = sr.bottom - sr.top;
-    if (w <= 0 || h <= 0) return false;
+    // 64-bit sizes: no rectangle a caller passes can overflow the checks.
     if (sr.left < 0 || sr.top < 0 || sr.right > s->width || sr.bottom > s->height) return false;
+    if (int64_t(sr.right) - sr.left <= 0 || int64_t(sr.bottom) - sr.top <= 0) return false;
+    // Both edges of the source now lie on the surface, so the sizes fit.
+    const int32_t w = sr.right - sr.left, h = sr.bottom - sr.top;
     if (x < 0 || y < 0 || int64_t(x) + w > d->width || int64_t(y) + h > d->height) return false;
 
     const bool keyed = (flags & 1u) && s->hasColorKey;
@@ -163,8 +166,9 @@ void CGraph::FillRect(int dst, const SRect* rect, uint16_t value) {
 
 namespace {
 // One axis of BltClipped: a cut at the low edge wins over a cut at the high edge,
-// and the high cut also applies when the span ends exactly on the limit.
-void ClipSpan(int32_t& pos, int32_t size, int32_t limit, int32_t srcStart, int32_t& lo, int32_t& hi) {
+// and the high cut also applies when the span ends exactly on the limit. In
+// 64-bit: positions and sizes from damaged files cannot overflow here.
+void ClipSpan(int64_t& pos, int64_t size, int64_t limit, int64_t srcStart, int64_t& lo, int64_t& hi) {
     lo = srcStart;
     if (pos < 0) {
         lo = srcStart - pos;
@@ -176,14 +180,21 @@ void ClipSpan(int32_t& pos, int32_t size, int32_t limit, int32_t srcStart, int32
         hi = srcStart + size;
     }
 }
+
+bool FitsInt32(int64_t v) { return v >= INT32_MIN && v <= INT32_MAX; }
 }  // namespace
 
 void CGraph::BltClipped(int dst, int32_t dstW, int32_t dstH, int src, uint32_t flags, int32_t x, int32_t y,
                         int32_t srcLeft, int32_t srcTop, int32_t w, int32_t h) {
-    SRect sr;
-    ClipSpan(x, w, dstW, srcLeft, sr.left, sr.right);
-    ClipSpan(y, h, dstH, srcTop, sr.top, sr.bottom);
-    BltFast(dst, x, y, src, sr, flags);
+    int64_t px = x, py = y, left, right, top, bottom;
+    ClipSpan(px, w, dstW, srcLeft, left, right);
+    ClipSpan(py, h, dstH, srcTop, top, bottom);
+    // A source rectangle beyond the 32-bit range cannot lie on any surface.
+    if (!FitsInt32(left) || !FitsInt32(right) || !FitsInt32(top) || !FitsInt32(bottom) || !FitsInt32(px) ||
+        !FitsInt32(py))
+        return;
+    BltFast(dst, int32_t(px), int32_t(py), src, SRect{int32_t(left), int32_t(top), int32_t(right), int32_t(bottom)},
+            flags);
 }
 
 void CGraph::ClearRoleLayer(int32_t x, int32_t y) {

@@ -10,9 +10,14 @@
 #include <atomic>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "media/mixer.h"
+#include "media/ogg_file.h"
 #include "media/window.h"
+#include "base/byte_reader.h"
+#include "base/log.h"
 #include "base/paths.h"
 #include "base/types.h"
 
@@ -49,6 +54,55 @@ void HaltMusic() {
     g_ignoreFinish.store(false, std::memory_order_release);
 }
 
+// Reads a music file into memory for the decoder: at most kMusicMaxBytes, and an
+// Ogg stream only up to its last whole page, so that the decoder never searches
+// a damaged tail on the game thread. An Ogg file is read in growing parts until
+// its pages end, so a long tail after them is not even read. False when the file
+// cannot be read; a damaged or oversized file also leaves a line in the engine
+// log.
+bool ReadMusic(const char* path, std::vector<uint8_t>& out) {
+    const std::string host = HostPath(path);
+    uint64_t fileSize = 0;
+    std::string error;
+    size_t want = size_t(1) << 20;
+    for (;;) {
+        if (ReadFilePart(host, 0, want, out, &error, &fileSize) != EFileRead::Ok) return false;
+        if (!IsOggStream(out.data(), out.size())) {
+            if (fileSize <= out.size()) return true;
+            if (fileSize > kMusicMaxBytes) {
+                CLog("GameEngine.log", false).Write("music %s: %llu bytes, more than the %zu a piece may take", path,
+                                                    static_cast<unsigned long long>(fileSize), kMusicMaxBytes);
+                return false;
+            }
+            want = size_t(fileSize);
+            continue;
+        }
+        const size_t length = OggStreamLength(out.data(), out.size(), &error);
+        if (length == 0) {
+            CLog("GameEngine.log", false).Write("music %s: %s", path, error.c_str());
+            return false;
+        }
+        // Pages may go on past the part read: read more while the walk stopped
+        // within one page of its end.
+        if (out.size() < fileSize && length + kOggMaxPageBytes > out.size()) {
+            if (want >= kMusicMaxBytes) {
+                CLog("GameEngine.log", false).Write("music %s: longer than the %zu bytes a piece may take", path,
+                                                    kMusicMaxBytes);
+                return false;
+            }
+            want = want * 4 < kMusicMaxBytes ? want * 4 : kMusicMaxBytes;
+            continue;
+        }
+        if (fileSize > length) {
+            CLog("GameEngine.log", false).Write("music %s: %llu bytes after the last Ogg page ignored", path,
+                                                static_cast<unsigned long long>(fileSize - length));
+            out.resize(length);
+            out.shrink_to_fit();
+        }
+        return true;
+    }
+}
+
 }  // namespace
 
 void PollMediaEvents() {
@@ -61,6 +115,7 @@ void PollMediaEvents() {
 
 struct KGDShowInstance::Impl {
     Mix_Music* music = nullptr;
+    std::vector<uint8_t> bytes;  // the file the music plays from
     bool mixerHeld = false;
 };
 
@@ -76,13 +131,15 @@ static void SetError(char (&buf)[1024], const char* text) { snprintf(buf, sizeof
 bool KGDShowInstance::Open(void* window, const char* path) {
     (void)window;
     ReleaseAll();
-    if (!mixer::Acquire()) {
+    if (!ReadMusic(path ? path : "", m_pImpl->bytes) || !mixer::Acquire()) {
         SetError(m_szError, "RenderFile Failed!");
+        ReleaseAll();
         return false;
     }
     m_pImpl->mixerHeld = true;
     Mix_HookMusicFinished(OnMusicFinished);
-    m_pImpl->music = Mix_LoadMUS(HostPath(path ? path : "").c_str());
+    SDL_RWops* rw = SDL_RWFromConstMem(m_pImpl->bytes.data(), int(m_pImpl->bytes.size()));
+    m_pImpl->music = rw ? Mix_LoadMUS_RW(rw, 1) : nullptr;
     if (!m_pImpl->music) {
         SetError(m_szError, "RenderFile Failed!");
         ReleaseAll();
@@ -185,6 +242,7 @@ void KGDShowInstance::ReleaseAll() {
         Mix_FreeMusic(m_pImpl->music);
         m_pImpl->music = nullptr;
     }
+    std::vector<uint8_t>().swap(m_pImpl->bytes);
     if (m_pImpl->mixerHeld) {
         m_pImpl->mixerHeld = false;
         mixer::Release();

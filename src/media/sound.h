@@ -16,9 +16,11 @@ class CSound {
 public:
     CSound();
     virtual ~CSound();
-    // Reads the file with the canonical 44-byte header: RIFF size R at offset 4,
-    // format at 20, samples from 44; the buffer is R bytes of which the first
-    // R - 800 are filled from offset 44. True without loading when sound is off.
+    // Reads the file with the canonical 44-byte header (media/wav_file.h): RIFF
+    // size R at offset 4, format at 20, samples from 44; the buffer is R bytes of
+    // which the first R - 800 are filled from offset 44. An R above the effect
+    // cap is refused with a log line before anything is allocated. True without
+    // loading when sound is off.
     bool LoadWav(const char* path);
     // Plays the buffer from its start unless it is already playing; -1 loops.
     void Play(int loop);

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <deque>
 
-#include "media/cursor_ani.h"
+#include "media/cursor_file.h"
 #include "base/gbk.h"
 #include "base/message_box.h"
 

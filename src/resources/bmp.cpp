@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "base/byte_reader.h"
+
 namespace {
 
 constexpr uint32_t BI_RGB = 0, BI_RLE8 = 1, BI_RLE4 = 2, BI_BITFIELDS = 3, BI_ALPHABITFIELDS = 6;
@@ -47,30 +49,36 @@ struct SLayout {
 };
 
 bool ParseLayout(const uint8_t* d, size_t size, SLayout* L) {
-    if (!d || size < 14 + 12 || d[0] != 'B' || d[1] != 'M') return false;
+    if (!d || size < 14 + 12) return false;
+    CByteReader in(d, size);
+    if (!in.Expect("BM", 2, "signature")) return false;
     SBmpInfo& I = L->info;
-    I.pixelOffset = Le32(d + 10);
-    I.headerSize = Le32(d + 14);
+    in.Seek(10);
+    I.pixelOffset = in.ReadU32("pixel offset");
+    I.headerSize = in.ReadU32("header size");
     const uint32_t hs = I.headerSize;
     int64_t height;
     uint32_t clrUsed = 0;
     if (hs == 12) {
-        I.width = Le16(d + 18);
-        height = Le16(d + 20);
-        I.bitCount = Le16(d + 24);
+        I.width = in.ReadU16("width");
+        height = in.ReadU16("height");
+        in.Skip(2, "planes");
+        I.bitCount = in.ReadU16("bit count");
         I.compression = BI_RGB;
         L->paletteEntry = 3;
     } else if (hs == 40 || hs == 52 || hs == 56 || hs == 64 || hs == 108 || hs == 124) {
         if (size < 14 + size_t(hs)) return false;
-        I.width = int32_t(Le32(d + 18));
-        height = int32_t(Le32(d + 22));
-        I.bitCount = Le16(d + 28);
-        I.compression = Le32(d + 30);
-        clrUsed = Le32(d + 46);
+        I.width = in.ReadI32("width");
+        height = in.ReadI32("height");
+        in.Skip(2, "planes");
+        I.bitCount = in.ReadU16("bit count");
+        I.compression = in.ReadU32("compression");
+        in.Seek(46);
+        clrUsed = in.ReadU32("colours used");
     } else {
         return false;
     }
-    if (size < 14 + size_t(hs)) return false;
+    if (!in.Ok() || size < 14 + size_t(hs)) return false;
     if (I.width <= 0 || I.width > kMaxSide || height == 0 || height < -kMaxSide || height > kMaxSide) return false;
     I.topDown = height < 0;
     I.height = int32_t(height < 0 ? -height : height);
@@ -96,9 +104,11 @@ bool ParseLayout(const uint8_t* d, size_t size, SLayout* L) {
     case BI_ALPHABITFIELDS: {
         if (bpp != 16 && bpp != 32) return false;
         // A plain info header is followed by the masks; later headers hold them.
-        const uint64_t need = 14 + 40 + 12;
-        if (size < need) return false;
-        L->masks[0] = Le32(d + 54), L->masks[1] = Le32(d + 58), L->masks[2] = Le32(d + 62);
+        in.Seek(14 + 40);
+        L->masks[0] = in.ReadU32("red mask");
+        L->masks[1] = in.ReadU32("green mask");
+        L->masks[2] = in.ReadU32("blue mask");
+        if (!in.Ok()) return false;
         if (hs == 40) afterHeader += c == BI_BITFIELDS ? 12 : 16;
         break;
     }
@@ -204,7 +214,8 @@ bool DrawRle(const uint8_t* d, size_t size, const SLayout& L, uint16_t* dst, int
     const bool four = I.compression == BI_RLE4;
     uint16_t pal[256];
     BuildPalette(d, L, pal);
-    size_t pos = I.pixelOffset;
+    CByteReader in(d, size);
+    in.Seek(I.pixelOffset);
     int64_t col = 0, row = 0;  // row counted from the bottom
     auto put = [&](uint32_t index) {
         if (col >= 0 && col < I.width && row < I.height) {
@@ -214,9 +225,8 @@ bool DrawRle(const uint8_t* d, size_t size, const SLayout& L, uint16_t* dst, int
         ++col;
     };
     while (row < I.height) {
-        if (size - pos < 2) return pos >= size;  // a stream may end without its end mark
-        const uint8_t count = d[pos], value = d[pos + 1];
-        pos += 2;
+        if (in.Remaining() < 2) return in.AtEnd();  // a stream may end without its end mark
+        const uint8_t count = in.ReadU8(), value = in.ReadU8();
         if (count > 0) {
             for (uint32_t k = 0; k < count && col < I.width; ++k)
                 put(four ? ((k & 1) ? value & 15 : value >> 4) : value);
@@ -228,19 +238,19 @@ bool DrawRle(const uint8_t* d, size_t size, const SLayout& L, uint16_t* dst, int
         } else if (value == 1) {  // end of picture
             return true;
         } else if (value == 2) {  // delta
-            if (size - pos < 2) return false;
-            col += d[pos];
-            row += d[pos + 1];
-            pos += 2;
+            if (in.Remaining() < 2) return false;
+            col += in.ReadU8();
+            row += in.ReadU8();
         } else {  // absolute group of `value` pixels, padded to 16 bits
             const size_t bytes = four ? (size_t(value) + 1) / 2 : value;
-            const size_t padded = (bytes + 1) & ~size_t(1);
-            if (size - pos < bytes) return false;
+            const uint8_t* group = in.ReadSpan(bytes, "absolute group");
+            if (!group) return false;
             for (uint32_t k = 0; k < value; ++k) {
-                const uint8_t b = d[pos + (four ? k / 2 : k)];
+                const uint8_t b = group[four ? k / 2 : k];
                 put(four ? ((k & 1) ? b & 15 : b >> 4) : b);
             }
-            pos += size - pos < padded ? size - pos : padded;
+            // The pad byte may be missing at the very end.
+            if ((bytes & 1) && in.Remaining() > 0) in.Skip(1);
         }
     }
     return true;

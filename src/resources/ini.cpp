@@ -6,11 +6,13 @@
 #include <cstring>
 
 #include "resources/vrn_file.h"
+#include "base/byte_reader.h"
 #include "base/paths.h"
 
 namespace {
 
 constexpr int kMaxKey = 63;
+constexpr size_t kMaxIniBytes = 64u << 20;  // no configuration text comes near this
 
 inline bool IsSectionStop(char c) { return c == ']' || c == ';' || c == '\r' || c == '\t' || c == '\n'; }
 inline bool IsKeyStop(char c) { return c == '=' || c == ';' || c == '\r' || c == '\n'; }
@@ -56,19 +58,9 @@ bool CIni::Open(const char* fileName, const char* archivePath) {
         return true;
     }
     std::snprintf(m_szFileName, sizeof m_szFileName, "%s", fileName);
-    FILE* f = std::fopen(HostPath(fileName).c_str(), "rb");
-    if (!f) return fail();
-    std::vector<char> bytes;
-    char buf[16384];
-    size_t got;
-    while ((got = std::fread(buf, 1, sizeof buf, f)) > 0) {
-        if (bytes.size() + got > size_t(INT32_MAX)) {
-            std::fclose(f);
-            return fail();
-        }
-        bytes.insert(bytes.end(), buf, buf + got);
-    }
-    std::fclose(f);
+    std::vector<uint8_t> raw;
+    if (ReadFileBytes(HostPath(fileName), kMaxIniBytes, raw) != EFileRead::Ok) return fail();
+    std::vector<char> bytes(raw.begin(), raw.end());
     if (bytes.empty()) return fail();
     m_text = std::move(bytes);
     m_nLength = int32_t(m_text.size());

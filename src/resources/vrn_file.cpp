@@ -5,6 +5,7 @@
 #include <cstring>
 #include <deque>
 
+#include "base/byte_reader.h"
 #include "resources/lz77.h"
 #include "base/gbk.h"
 #include "base/log.h"
@@ -15,8 +16,7 @@ namespace {
 
 constexpr size_t kMaxPath = 4096;            // longer paths only come from damaged directories
 constexpr uint32_t kMaxEntry = 256u << 20;   // no game file comes near this
-
-uint32_t Le32(const uint8_t* p) { return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24; }
+constexpr size_t kMaxDirectory = 64u << 20;  // directory bytes read from a file at most
 
 void ShowCannotOpen(const char* path) {
     char text[1200];
@@ -32,49 +32,6 @@ void ShowNotArchive(const char* path) {
 
 }  // namespace
 
-// Where the archive bytes come from: the file (reopened for every Open and Read,
-// so no handle is held between calls) or an image in memory.
-struct CVRN_File::SSource {
-    FILE* file = nullptr;
-    const uint8_t* mem = nullptr;
-    uint64_t size = 0;
-    uint64_t pos = 0;
-
-    ~SSource() {
-        if (file) std::fclose(file);
-    }
-    bool OpenFile(const char* path) {
-        file = std::fopen(path, "rb");
-        if (!file) return false;
-        if (fseeko(file, 0, SEEK_END) != 0) return false;
-        off_t end = ftello(file);
-        if (end < 0 || fseeko(file, 0, SEEK_SET) != 0) return false;
-        size = uint64_t(end);
-        return true;
-    }
-    void OpenMemory(const uint8_t* data, size_t n) {
-        mem = data;
-        size = n;
-    }
-    // Reads exactly n bytes at the current position; false when fewer remain.
-    bool Get(void* dst, uint64_t n) {
-        if (n > size || pos > size - n) return false;
-        if (mem) {
-            std::memcpy(dst, mem + pos, size_t(n));
-        } else if (n > 0 && std::fread(dst, 1, size_t(n), file) != size_t(n)) {
-            return false;
-        }
-        pos += n;
-        return true;
-    }
-    bool Seek(uint64_t to) {
-        if (to > size) return false;
-        if (file && fseeko(file, off_t(to), SEEK_SET) != 0) return false;
-        pos = to;
-        return true;
-    }
-};
-
 CVRN_File::CVRN_File() : m_pLog(new CLog("GameEngine.log", false)) {}
 
 CVRN_File::~CVRN_File() { Close(); }
@@ -86,12 +43,27 @@ void CVRN_File::Close() {
 
 bool CVRN_File::Open(const char* archivePath) {
     if (!archivePath) return false;
-    SSource src;
-    if (!src.OpenFile(HostPath(archivePath).c_str())) {
+    // The header names where the data starts, which is where the directory ends:
+    // only that much of the file is read.
+    const std::string host = HostPath(archivePath);
+    std::vector<uint8_t> bytes;
+    uint64_t fileSize = 0;
+    if (ReadFilePart(host, 0, kVrnHeaderSize, bytes, nullptr, &fileSize) != EFileRead::Ok) {
         ShowCannotOpen(archivePath);
         return false;
     }
-    if (!Load(src, archivePath)) return false;
+    if (bytes.size() == kVrnHeaderSize) {
+        const uint32_t dataBase = uint32_t(bytes[4]) | uint32_t(bytes[5]) << 8 | uint32_t(bytes[6]) << 16 |
+                                  uint32_t(bytes[7]) << 24;
+        const size_t want = dataBase > kVrnHeaderSize ? (dataBase < kMaxDirectory ? dataBase : kMaxDirectory)
+                                                      : kVrnHeaderSize;
+        if (want > bytes.size() && ReadFilePart(host, 0, want, bytes) != EFileRead::Ok) {
+            ShowCannotOpen(archivePath);
+            return false;
+        }
+    }
+    CByteReader in(bytes, archivePath);
+    if (!Load(in, archivePath)) return false;
     m_strPath = archivePath;
     m_pMemory = nullptr;
     m_nMemorySize = 0;
@@ -99,9 +71,8 @@ bool CVRN_File::Open(const char* archivePath) {
 }
 
 bool CVRN_File::OpenMemory(const uint8_t* data, size_t size, const char* displayName) {
-    SSource src;
-    src.OpenMemory(data, size);
-    if (!Load(src, displayName)) return false;
+    CByteReader in(data, size, displayName ? displayName : "");
+    if (!Load(in, displayName)) return false;
     m_strPath = displayName ? displayName : "";
     m_pMemory = data;
     m_nMemorySize = size;
@@ -110,10 +81,9 @@ bool CVRN_File::OpenMemory(const uint8_t* data, size_t size, const char* display
 
 // Reads the header and the breadth-first directory into a new tree. The old
 // tree is replaced only when the whole directory was read and checked.
-bool CVRN_File::Load(SSource& src, const char* displayName) {
+bool CVRN_File::Load(CByteReader& in, const char* displayName) {
     const char* name = displayName ? displayName : "";
-    uint8_t header[kVrnHeaderSize];
-    if (!src.Get(header, sizeof header) || std::memcmp(header, kVrnMagic, 4) != 0) {
+    if (!in.Expect(kVrnMagic, 4, "magic")) {
         ShowNotArchive(name);
         return false;
     }
@@ -122,41 +92,51 @@ bool CVRN_File::Load(SSource& src, const char* displayName) {
         ShowNotArchive(name);
         return false;
     };
-    const uint32_t dataBase = Le32(header + 4);
+    const uint32_t dataBase = in.ReadU32("data offset");
     auto root = std::make_unique<SVrnNode>();
     root->path = "root";
     root->name = "root";
     root->kind = kVrnKindDir;
-    root->size = Le32(header + 8);
+    root->size = in.ReadU32("root count");
+    if (!in.Ok()) {
+        ShowNotArchive(name);
+        return false;
+    }
 
     // Nodes whose path repeats an earlier one are kept aside so that the
     // records of their children are still consumed in order.
     std::vector<std::unique_ptr<SVrnNode>> duplicates;
     std::deque<std::pair<uint32_t, SVrnNode*>> queue;
     queue.emplace_back(root->size, root.get());
-    std::string nameBuf;
     while (!queue.empty()) {
         auto [count, parent] = queue.front();
         queue.pop_front();
         // Each record takes at least 25 bytes: a count that cannot fit is a lie.
-        if (uint64_t(count) * (kVrnRecordSize + 1) > src.size - src.pos) return damaged("record count");
+        if (!in.CheckCount(count, kVrnRecordSize + 1, "records")) return damaged("record count");
         for (uint32_t k = 0; k < count; ++k) {
-            uint8_t rec[kVrnRecordSize];
-            if (!src.Get(rec, sizeof rec)) return damaged("truncated record");
-            const uint32_t nameLen = Le32(rec + 16);
+            const uint32_t size = in.ReadU32("stored size");
+            const uint32_t fullSize = in.ReadU32("full size");
+            const uint32_t offset = in.ReadU32("data offset");
+            const uint8_t kind = in.ReadU8("kind");
+            const uint8_t compressed = in.ReadU8("compression");
+            in.Skip(2, "reserved");
+            const uint32_t nameLen = in.ReadU32("name length");
+            in.Skip(4, "reserved");
+            if (!in.Ok()) return damaged("truncated record");
             if (nameLen == 0 || nameLen > kMaxPath) return damaged("name length");
             if (parent->path.size() + 1 + nameLen > kMaxPath) return damaged("path too long");
-            nameBuf.resize(size_t(nameLen) + 1);
-            if (!src.Get(nameBuf.data(), uint64_t(nameLen) + 1)) return damaged("truncated name");
-            auto node = std::make_unique<SVrnNode>();
             // The name is a zero-terminated string: an embedded zero ends it.
-            node->name.assign(nameBuf.data(), strnlen(nameBuf.data(), nameLen));
+            const uint8_t* nameBytes = in.ReadSpan(size_t(nameLen) + 1, "name");
+            if (!nameBytes) return damaged("truncated name");
+            auto node = std::make_unique<SVrnNode>();
+            node->name.assign(reinterpret_cast<const char*>(nameBytes),
+                              strnlen(reinterpret_cast<const char*>(nameBytes), nameLen));
             node->path = parent->path + "\\" + node->name;
-            node->size = Le32(rec + 0);
-            node->fullSize = Le32(rec + 4);
-            node->offset = Le32(rec + 8);
-            node->kind = rec[12];
-            node->compressed = rec[13];
+            node->size = size;
+            node->fullSize = fullSize;
+            node->offset = offset;
+            node->kind = kind;
+            node->compressed = compressed;
             node->nameLength = nameLen;
             if (!node->IsDir()) {
                 // Sizes no reader could fill are refused here, before any
@@ -208,64 +188,58 @@ bool CVRN_File::Read(void* buffer, int32_t size) {
         m_pLog->Write("cvrn:read error.buffer smaller than %s.", node.path.c_str());
         return false;
     }
-    SSource src;
-    if (m_pMemory) {
-        src.OpenMemory(m_pMemory, m_nMemorySize);
-    } else if (!src.OpenFile(HostPath(m_strPath).c_str())) {
-        ShowCannotOpen(m_strPath.c_str());
-        return false;
-    }
-    return ReadStored(src, node, static_cast<uint8_t*>(buffer));
-}
-
-bool CVRN_File::ReadStored(SSource& src, const SVrnNode& node, uint8_t* dst) {
     const uint64_t start = uint64_t(m_nDataBase) + node.offset;
-    if (start > src.size || node.size > src.size - start) {
+    std::vector<uint8_t> owned;
+    const uint8_t* stored = nullptr;
+    bool whole = false;  // the stored bytes lie inside the archive
+    if (m_pMemory) {
+        whole = start <= m_nMemorySize && node.size <= m_nMemorySize - start;
+        stored = m_pMemory + (whole ? start : 0);
+    } else {
+        const EFileRead got = ReadFilePart(HostPath(m_strPath), start, node.size, owned);
+        if (got == EFileRead::Missing) {
+            ShowCannotOpen(m_strPath.c_str());
+            return false;
+        }
+        whole = got == EFileRead::Ok && owned.size() == node.size;
+        stored = owned.data();
+    }
+    if (!whole) {
         m_pLog->Write("cvrn:read error.read size do not equal real size.");
         return false;
     }
+    return ReadStored(stored, node, static_cast<uint8_t*>(buffer));
+}
+
+bool CVRN_File::ReadStored(const uint8_t* stored, const SVrnNode& node, uint8_t* dst) {
     if (!node.compressed) {
         if (node.size != node.fullSize) {
             m_pLog->Write("cvrn:read error.stored size of %s differs from its size.", node.path.c_str());
             return false;
         }
-        if (!src.Seek(start) || !src.Get(dst, node.size)) {
-            m_pLog->Write("cvrn:read error.read size do not equal real size.");
-            return false;
-        }
+        if (node.size) std::memcpy(dst, stored, node.size);
         return true;
     }
-
-    std::vector<uint8_t> owned;
-    const uint8_t* stored;
-    if (src.mem) {
-        stored = src.mem + start;
-    } else {
-        owned.assign(node.size, 0);
-        if (!src.Seek(start) || !src.Get(owned.data(), node.size)) {
-            m_pLog->Write("cvrn:read error.read size do not equal real size.");
-            return false;
-        }
-        stored = owned.data();
-    }
-    // Each chunk decodes straight into its place in the destination: a block
-    // only refers to its own output.
+    // Each chunk (a 16-bit length, then LZ77 data for up to 49152 output bytes)
+    // decodes straight into its place in the destination: a block only refers
+    // to its own output.
+    CByteReader in(stored, node.size, node.path);
     CCompressLZ77 codec;
-    uint64_t p = 0, o = 0;
-    const uint64_t full = node.fullSize, total = node.size;
-    while (p < total) {
-        if (o >= full || total - p < 2) break;
-        const uint32_t out = o + kVrnChunkOutput < full ? kVrnChunkOutput : uint32_t(full - o);
-        const uint32_t len = uint32_t(stored[p]) | uint32_t(stored[p + 1]) << 8;
-        if (len > total - p - 2 ||
-            codec.DecompressBounded(dst + o, int32_t(out), stored + p + 2, len) != 1) {
-            p = total + 1;  // damaged
+    uint64_t o = 0;
+    const uint64_t full = node.fullSize;
+    bool ok = true;
+    while (ok && in.Remaining() > 0) {
+        if (o >= full || in.Remaining() < 2) {
+            ok = false;
             break;
         }
-        p += 2 + uint64_t(len);
+        const uint32_t out = o + kVrnChunkOutput < full ? kVrnChunkOutput : uint32_t(full - o);
+        const uint16_t len = in.ReadU16("chunk length");
+        const uint8_t* chunk = in.ReadSpan(len, "chunk");
+        ok = chunk && codec.DecompressBounded(dst + o, int32_t(out), chunk, len) == 1;
         o += out;
     }
-    if (p != total || o != full) {
+    if (!ok || o != full) {
         m_pLog->Write("cvrn:read error.damaged compressed data in %s.", node.path.c_str());
         return false;
     }

@@ -3,8 +3,10 @@
 // ("root\dir\name"); FindEntry selects an entry; Read writes it out, decoding
 // the LZ77 chunks (49152 bytes of output each) of compressed entries.
 //
-// Every count, size and offset read from the file is checked against the file:
-// a damaged directory makes Open fail, a damaged entry makes Read fail.
+// Every count, size and offset read from the file is checked against the file
+// (through CByteReader): a damaged directory makes Open fail, a damaged entry
+// makes Read fail. From a file only the directory (up to the data offset in the
+// header) and the entry being read are read.
 #pragma once
 #include <cstddef>
 #include <cstdint>
@@ -13,6 +15,7 @@
 #include <string>
 #include <vector>
 
+class CByteReader;
 class CLog;
 
 // Archive layout constants shared by the reader, the writer and the tools.
@@ -66,9 +69,8 @@ public:
     const std::string& ArchivePath() const { return m_strPath; }
 
 private:
-    struct SSource;
-    bool Load(SSource& src, const char* displayName);
-    bool ReadStored(SSource& src, const SVrnNode& node, uint8_t* dst);
+    bool Load(CByteReader& in, const char* displayName);
+    bool ReadStored(const uint8_t* stored, const SVrnNode& node, uint8_t* dst);
 
     SVrnNode* m_pCurrent = nullptr;
     std::unique_ptr<SVrnNode> m_pRoot;

@@ -9,7 +9,7 @@
 #include "base/message_line_hook.h"
 #include "items/database.h"
 #include "items/progress.h"
-#include "media/cursor_ani.h"
+#include "media/cursor_file.h"
 #include "media/graph.h"
 #include "media/mouse.h"
 #include "media/show.h"
@@ -131,20 +131,13 @@ int CGame::ChangeDisplayBitsPerPel(int bits) {
 }
 
 void CGame::LoadCursor() {
-    FILE* f = fopen(HostPath("data\\cursor.ani").c_str(), "rb");
-    if (!f) return;
-    std::vector<uint8_t> bytes;
-    uint8_t buf[4096];
-    size_t n;
-    while ((n = fread(buf, 1, sizeof(buf), f)) > 0 && bytes.size() < (1u << 22)) bytes.insert(bytes.end(), buf, buf + n);
-    fclose(f);
     auto* cursor = new SAniCursor();
     std::string error;
-    if (ParseAniCursor(bytes.data(), bytes.size(), *cursor, error)) {
+    if (LoadAniCursor(HostPath("data\\cursor.ani"), *cursor, error)) {
         m_pCursor = cursor;
     } else {
         delete cursor;
-        DebugOut("data\\cursor.ani: %s\n", error.c_str());
+        DebugOut("%s\n", error.c_str());
     }
 }
 

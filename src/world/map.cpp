@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/byte_reader.h"
 #include "resources/ini.h"
 #include "base/debug.h"
 #include "base/gbk.h"
@@ -49,70 +50,38 @@ void CMap::SetRegistries(const std::string& mapsIni, const std::string& scriptsI
     }
 }
 
-namespace {
-struct SFileCloser {
-    void operator()(FILE* f) const { if (f) std::fclose(f); }
-};
-}  // namespace
-
 bool CMap::Load(const char* path, std::vector<SMapNpc>* npcs) {
-    const SMapHeader kept = m_header;
-    std::unique_ptr<FILE, SFileCloser> file(std::fopen(path, "rb"));
-    if (!file) return false;
-    std::fseek(file.get(), 0, SEEK_END);
-    long length = std::ftell(file.get());
-    std::fseek(file.get(), 0, SEEK_SET);
+    if (!path) return false;
+    std::vector<uint8_t> bytes;
+    std::string error;
+    const EFileRead got = ReadFileBytes(path, MAP_FILE_MAX_BYTES, bytes, &error);
+    if (got == EFileRead::Missing) return false;
+    if (got != EFileRead::Ok) {
+        m_pLog->Write("map file %s, open failed!", error.c_str());
+        return false;
+    }
+    return LoadBytes(bytes.data(), bytes.size(), path, npcs);
+}
 
-    SMapHeader header{};
-    bool headerRead = length >= long(sizeof header) && std::fread(&header, sizeof header, 1, file.get()) == 1;
-    if (!headerRead || std::memcmp(header.magic, "2pam", 4) != 0) {
-        file.reset();
+bool CMap::LoadBytes(const uint8_t* data, size_t size, const char* name, std::vector<SMapNpc>* npcs) {
+    CByteReader in(data, size, name ? name : "");
+    SMapFile map;
+    switch (ReadMapFile(in, map)) {
+    case EMapFileRead::NotAMap:
         MessageBox(GbkText("你所选择的.map文件不是本游戏支持的地图文件。"), "ERROR", MB_NOICON);
         m_pLog->Write("it is not the correct map file,open failed!");
-        m_header = kept;
         return false;
-    }
-    // The counts must describe exactly what the file holds; a lying or truncated
-    // file is refused before anything is allocated from its numbers.
-    const int64_t n = header.size;
-    bool countsOk = n > 0 && n <= MAP_MAX_SIZE && header.objectCount >= 0 && header.npcCount >= 0 &&
-                    header.objectCount <= 100000 && header.npcCount <= 100000;
-    if (countsOk) {
-        int64_t expected = int64_t(sizeof(SMapHeader)) + n * n * int64_t(sizeof(SMapCell)) +
-                           int64_t(header.objectCount) * int64_t(sizeof(SMapObject)) +
-                           int64_t(header.npcCount) * int64_t(sizeof(SMapNpc));
-        countsOk = expected == int64_t(length);
-    }
-    if (!countsOk) {
-        m_pLog->Write("map file %s: counts do not match its length, open failed!", path);
-        m_header = kept;
+    case EMapFileRead::Damaged:
+        m_pLog->Write("map file %s, open failed!", in.Error().c_str());
         return false;
+    case EMapFileRead::Ok:
+        break;
     }
     m_pLog->Write("Open map file ok,start to load it!");
-
-    std::vector<SMapCell> cells(size_t(n * n));
-    std::vector<SMapObject> objects(size_t(header.objectCount));
-    std::vector<SMapNpc> placements(size_t(header.npcCount));
-    bool ok = std::fread(cells.data(), sizeof(SMapCell), cells.size(), file.get()) == cells.size();
-    ok = ok && std::fread(objects.data(), sizeof(SMapObject), objects.size(), file.get()) == objects.size();
-    ok = ok && std::fread(placements.data(), sizeof(SMapNpc), placements.size(), file.get()) == placements.size();
-    if (!ok) {
-        m_pLog->Write("map file %s: short read, open failed!", path);
-        m_header = kept;
-        return false;
-    }
-    // A ground-piece count beyond the record's 30 pairs would read past it.
-    for (SMapObject& o : objects) {
-        if (o.pieceCount < 0) o.pieceCount = 0;
-        if (o.pieceCount > MAX_GROUND_PIECES) o.pieceCount = MAX_GROUND_PIECES;
-    }
-    header.fileName[sizeof header.fileName - 1] = 0;
-    header.displayName[sizeof header.displayName - 1] = 0;
-    header.music[sizeof header.music - 1] = 0;
-    m_header = header;
-    m_cells = std::move(cells);
-    m_objects = std::move(objects);
-    if (npcs) *npcs = std::move(placements);
+    m_header = map.header;
+    m_cells = std::move(map.cells);
+    m_objects = std::move(map.objects);
+    if (npcs) *npcs = std::move(map.npcs);
     return true;
 }
 

@@ -59,10 +59,25 @@ void DrawTiles(CGraph* graph, CMap* map, const char* iniPack, CLog* log) {
 void CMap::DrawTileType(CGraph* graph, int ground, int sheet, int type) {
     for (const SMapCell& c : m_cells) {
         if (c.tileType != type) continue;
+        // The reader keeps every picture on the sheet; nothing else is copied.
+        if (c.picX < 0 || c.picY < 0 || c.picX > TILE_SHEET_W - CELL_W || c.picY > TILE_SHEET_H - CELL_H) continue;
         m_rcScratch = SRect{c.picX, c.picY, c.picX + CELL_W, c.picY + CELL_H};
         graph->BltFast(ground, c.x, c.y, sheet, m_rcScratch, BLT_WAIT_SRCKEY);
     }
 }
+
+namespace {
+// A ground piece's place in the world, or false when it lies so far out that
+// int32_t arithmetic on it could overflow (it could never be seen anyway).
+bool PiecePlace(const SMapObject& o, int32_t px, int32_t py, int32_t& wx, int32_t& wy) {
+    const int64_t x = int64_t(px) - o.sheetX + o.worldX, y = int64_t(py) - o.sheetY + o.worldY;
+    constexpr int64_t kFar = int64_t(1) << 30;
+    if (x < -kFar || x > kFar || y < -kFar || y > kFar) return false;
+    wx = int32_t(x);
+    wy = int32_t(y);
+    return true;
+}
+}  // namespace
 
 void CMap::DrawObjects(CGraph* graph, int objectLayer, int objectSheet, int ground, uint32_t colorMask) {
     const uint16_t transparent = colorMask == COLOR_MASK_565 ? 0xF81F : 0x7C1F;
@@ -72,7 +87,8 @@ void CMap::DrawObjects(CGraph* graph, int objectLayer, int objectSheet, int grou
                           o.sheetY, o.width, o.height);
         for (int32_t p = 0; p < o.pieceCount && p < MAX_GROUND_PIECES; ++p) {
             const int32_t px = o.pieces[p][0], py = o.pieces[p][1];
-            const int32_t wx = px - o.sheetX + o.worldX, wy = py - o.sheetY + o.worldY;
+            int32_t wx = 0, wy = 0;
+            if (!PiecePlace(o, px, py, wx, wy)) continue;
             graph->BltClipped(ground, WORLD_W, WORLD_H, objectSheet, BLT_WAIT_SRCKEY, wx, wy, px, py, CELL_W, CELL_H);
             m_rcScratch = SRect{wx, wy, wx + CELL_W, wy + CELL_H};
             graph->FillRect(objectLayer, &m_rcScratch, transparent);

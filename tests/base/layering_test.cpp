@@ -76,6 +76,38 @@ std::vector<SViolation> ScanLayers(const fs::path& root) {
     return out;
 }
 
+// File-format modules (<folder>/*_file.h and .cpp) are built into the SDL-free
+// core that the tools link: they may include only base/, resources/ and other
+// format modules, and no SDL header.
+std::vector<SViolation> ScanFormatModules(const fs::path& root) {
+    std::vector<SViolation> out;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (!entry.is_regular_file()) continue;
+        const std::string stem = entry.path().stem().string();
+        const std::string ext = entry.path().extension().string();
+        if ((ext != ".h" && ext != ".cpp") || stem.size() < 5 || stem.compare(stem.size() - 5, 5, "_file") != 0)
+            continue;
+        const std::string rel = fs::relative(entry.path(), root).string();
+        std::ifstream in(entry.path());
+        std::string line;
+        int n = 0;
+        while (std::getline(in, line)) {
+            ++n;
+            if (line.find("#include") == std::string::npos || line.compare(0, 2, "//") == 0) continue;
+            if (line.find("<SDL") != std::string::npos) {
+                out.push_back({rel, n, line});
+                continue;
+            }
+            const std::string folder = IncludedFolder(line);
+            if (folder.empty() || folder == "base" || folder == "resources") continue;
+            const size_t close = line.rfind('"');
+            if (close != std::string::npos && close >= 7 && line.compare(close - 7, 7, "_file.h") == 0) continue;
+            out.push_back({rel, n, line});
+        }
+    }
+    return out;
+}
+
 std::string Describe(const std::vector<SViolation>& v) {
     std::string s;
     for (const auto& x : v) s += x.file + ":" + std::to_string(x.line) + ": " + x.include + "\n";
@@ -111,4 +143,20 @@ TEST(Layering, ScannerCatchesUpwardIncludesAndUnknownFolders) {
     EXPECT_TRUE(files.count("ui/panel.cpp:2"));
     EXPECT_TRUE(files.count("characters/role.cpp:2"));
     EXPECT_TRUE(files.count("extra/y.cpp:0"));
+}
+
+TEST(Layering, FormatModulesStayInTheSdlFreeCore) {
+    const auto violations = ScanFormatModules(fs::path(ASHEN_SOURCE_DIR) / "src");
+    EXPECT_TRUE(violations.empty()) << "format modules reaching outside the core:\n" << Describe(violations);
+
+    const fs::path root = fs::current_path() / "formats";
+    Write(root / "world" / "map_file.cpp",
+          "#include \"world/map_file.h\"\n#include \"base/byte_reader.h\"\n#include \"resources/bmp.h\"\n"
+          "#include \"characters/role_file.h\"\n#include <cstring>\n");
+    Write(root / "media" / "wav_file.cpp", "#include <SDL.h>\n#include \"media/mixer.h\"\n");
+    Write(root / "media" / "sound.cpp", "#include <SDL.h>\n#include \"media/mixer.h\"\n");
+    const auto v = ScanFormatModules(root);
+    ASSERT_EQ(v.size(), 2u) << Describe(v);
+    EXPECT_EQ(v[0].file + ":" + std::to_string(v[0].line) + "," + v[1].file + ":" + std::to_string(v[1].line),
+              "media/wav_file.cpp:1,media/wav_file.cpp:2");
 }

@@ -49,10 +49,10 @@ fs::path ShotDir() {
 
 // The hero's standing picture size, from the game's own role file.
 SPoint StandSize() {
-    SRoleFileHeader h{};
-    std::vector<SRoleAction> actions;
-    std::vector<SRoleFrame> frames;
-    if (!ReadRoleFile((std::string(ASHEN_GAME_DIR) + "/data/role.pmg").c_str(), h, actions, frames)) return {};
+    SRoleFile file;
+    if (!LoadRoleFile(std::string(ASHEN_GAME_DIR) + "/data/role.pmg", file)) return {};
+    const std::vector<SRoleAction>& actions = file.actions;
+    const std::vector<SRoleFrame>& frames = file.frames;
     for (const SRoleAction& a : actions)
         if (std::string(a.name) == "stand" && a.firstFrame >= 0 && size_t(a.firstFrame) < frames.size())
             return SPoint{frames[size_t(a.firstFrame)].width, frames[size_t(a.firstFrame)].height};

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "media/graph.h"
 #include "media/text.h"
 #include "media/window.h"
@@ -376,3 +378,39 @@ TEST_F(GraphTest, LinesAndRectanglesExcludeTheFarEdge) {
 }
 
 }  // namespace
+
+// Rectangles from damaged files at the ends of the 32-bit range: nothing is
+// copied, nothing outside a surface is read, and no arithmetic overflows.
+TEST_F(GraphTest, CopiesAtTheEndsOfTheRangeCopyNothing) {
+    CSurface& src = *graph.GetSurface(SURF_TEMP);
+    CSurface& dst = *graph.GetSurface(SURF_BUFFER);
+    FillPattern(src);
+    graph.FillRect(SURF_BUFFER, nullptr, 0x1234);
+    const int32_t big = INT32_MAX, small = INT32_MIN;
+    for (uint32_t flags : {BLT_WAIT, BLT_WAIT_SRCKEY}) {
+        // A source rectangle whose right edge the caller computed without overflow.
+        EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, SRect{big - 10, 0, big, 10}, flags));
+        EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, SRect{0, big - 5, 10, big}, flags));
+        EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, SRect{small, 0, 10, 10}, flags));
+        EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, SRect{0, 0, big, 10}, flags));
+        EXPECT_FALSE(graph.BltFast(1, 0, 0, 7, SRect{-10, small, 10, big}, flags));
+        EXPECT_FALSE(graph.BltFast(1, big, 0, 7, SRect{0, 0, 10, 10}, flags));
+        EXPECT_FALSE(graph.BltFast(1, big - 5, big - 5, 7, SRect{0, 0, 10, 10}, flags));
+        EXPECT_FALSE(graph.BltFast(1, small, small, 7, SRect{0, 0, 10, 10}, flags));
+        // The clipped copy with source corners and sizes near the limits.
+        graph.BltClipped(1, 640, 480, 7, flags, 0, 0, big, 0, 64, 32);
+        graph.BltClipped(1, 640, 480, 7, flags, 0, 0, 0, big - 3, 64, 32);
+        graph.BltClipped(1, 640, 480, 7, flags, -10, 0, big - 5, 0, 64, 32);
+        graph.BltClipped(1, 640, 480, 7, flags, big - 5, 0, 0, 0, 64, 32);
+        graph.BltClipped(1, 640, 480, 7, flags, small, small, 0, 0, 64, 32);
+        graph.BltClipped(1, 640, 480, 7, flags, 5, 5, small, small, big, big);
+        graph.BltClipped(1, big, big, 7, flags, big - 1, big - 1, 0, 0, big, big);
+        graph.BltClipped(1, 640, 480, 7, flags, -20, 0, small + 5, 0, 64, 32);
+    }
+    for (uint16_t v : dst.pixels) ASSERT_EQ(v, 0x1234);
+    // A source rectangle that reaches past the source's edge is refused whole.
+    graph.BltClipped(1, 640, 480, 7, BLT_WAIT, 0, 0, 600, 0, 64, 4);
+    EXPECT_EQ(dst.At(0, 0), 0x1234);
+    graph.BltClipped(1, 640, 480, 7, BLT_WAIT, 0, 0, 576, 0, 64, 4);
+    EXPECT_EQ(dst.At(0, 0), Pat(576, 0));
+}

@@ -3,8 +3,10 @@
 #include <SDL.h>
 #include <SDL_mixer.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "media/show.h"
 #include "media/window.h"
@@ -163,6 +165,66 @@ TEST_F(ShowTest, EndOfPieceReachesTheGameAsAMessage) {
     EXPECT_TRUE(show.HandleEvents());
     EXPECT_TRUE(show.IsLoaded());
     EXPECT_TRUE(show.IsPlaying());
+}
+
+}  // namespace
+
+namespace {
+
+std::vector<uint8_t> ShippedMusic() {
+    const std::string path = std::string(ASHEN_GAME_DIR) + "/music/village.ogg";
+    const std::string s = mediatest::ReadFile(path);
+    return std::vector<uint8_t>(s.begin(), s.end());
+}
+
+// A long random tail after the last page: the piece opens at once (the decoder
+// never sees the tail) and plays, and the log says what was left out.
+TEST_F(ShowTest, DamagedTailsAreCutOffBeforeTheDecoderSeesThem) {
+    std::vector<uint8_t> ogg = ShippedMusic();
+    ASSERT_GT(ogg.size(), 100000u);
+    const size_t pages = ogg.size();
+    uint32_t seed = 99;
+    ogg.resize(pages + (16u << 20));
+    for (size_t i = pages; i < ogg.size(); ++i) {
+        seed = seed * 1664525u + 1013904223u;
+        ogg[i] = uint8_t(seed >> 24);
+    }
+    mediatest::WriteFile("tail.ogg", ogg);
+    KGDShowInstance show;
+    const uint32_t start = SDL_GetTicks();
+    ASSERT_TRUE(show.Open(nullptr, "tail.ogg")) << show.GetErrorText();
+    EXPECT_LT(SDL_GetTicks() - start, 1500u);
+    EXPECT_TRUE(show.Play(nullptr, 1));
+    EXPECT_TRUE(show.IsPlaying());
+    const std::string log = mediatest::ReadFile("GameEngine.log");
+    EXPECT_NE(log.find("music tail.ogg: 16777216 bytes after the last Ogg page ignored"), std::string::npos) << log;
+    EXPECT_TRUE(show.Close());
+
+    // Not the start of a Vorbis stream, or a huge file that is not Ogg at all:
+    // refused with a line in the log, without decoding.
+    std::vector<uint8_t> notVorbis = ShippedMusic();
+    notVorbis[27 + notVorbis[26]] = 'X';  // the identification header's packet type
+    mediatest::WriteFile("other.ogg", notVorbis);
+    EXPECT_FALSE(show.Open(nullptr, "other.ogg"));
+    EXPECT_STREQ(show.GetErrorText(), "RenderFile Failed!");
+    {
+        FILE* f = std::fopen("big.wav", "wb");
+        ASSERT_NE(f, nullptr);
+        const std::vector<uint8_t> head = mediatest::MakeWav(mediatest::Tone(0.1));
+        std::fwrite(head.data(), 1, head.size(), f);
+        std::fseek(f, 40L << 20, SEEK_SET);
+        std::fputc(0, f);
+        std::fclose(f);
+    }
+    EXPECT_FALSE(show.Open(nullptr, "big.wav"));
+    const std::string after = mediatest::ReadFile("GameEngine.log");
+    EXPECT_NE(after.find("music other.ogg: the first Ogg page does not start a Vorbis stream"), std::string::npos)
+        << after;
+    EXPECT_NE(after.find("music big.wav: 41943041 bytes, more than the 33554432 a piece may take"), std::string::npos)
+        << after;
+    // The undamaged piece still opens.
+    mediatest::WriteFile("clean.ogg", ShippedMusic());
+    EXPECT_TRUE(show.Open(nullptr, "clean.ogg")) << show.GetErrorText();
 }
 
 }  // namespace

@@ -201,3 +201,51 @@ TEST_F(SoundTest, PlayingOncePerBufferAndTogether) {
 }
 
 }  // namespace
+
+namespace {
+
+using mediatest::MakeWav;
+
+class SoundCapTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        setenv("SDL_AUDIODRIVER", "dummy", 1);
+        SetSoundEnabled(false);
+    }
+    void TearDown() override {
+        ReleaseSound();
+        SetSoundEnabled(false);
+    }
+    mediatest::ScratchDir dir;
+};
+
+// A header that claims far more samples than an effect may hold is refused
+// before any buffer is made, on every load; the cap itself is taken.
+TEST_F(SoundCapTest, ClaimedSizesAboveTheCapAreRefused) {
+    ASSERT_TRUE(InitSound());
+    CSound s;
+    mediatest::WriteFile("ok.wav", MakeWav(std::vector<uint8_t>(2000, 1)));
+    ASSERT_TRUE(s.LoadWav("ok.wav"));
+    mediatest::WriteFile("huge.wav", MakeWav(std::vector<uint8_t>(2000, 2), 1, 44100, 16, 64 << 20));
+    for (int play = 0; play < 3; ++play) {
+        EXPECT_FALSE(s.LoadWav("huge.wav"));
+        EXPECT_TRUE(s.Buffer().empty());
+        EXPECT_LT(s.Buffer().capacity(), 64u << 10);
+    }
+    const std::string log = mediatest::ReadFile("GameEngine.log");
+    EXPECT_EQ(mediatest::CountLines(log), 3);
+    EXPECT_NE(log.find("----->[sound]huge.wav: claims 67108864 bytes of samples, more than the 4194304 a sound may "
+                       "hold at byte 4\r\n"),
+              std::string::npos)
+        << log;
+    // Exactly the cap: a long silent buffer behind the file's samples.
+    mediatest::WriteFile("cap.wav", MakeWav(std::vector<uint8_t>(2000, 2), 1, 44100, 16, 4 << 20));
+    ASSERT_TRUE(s.LoadWav("cap.wav"));
+    ASSERT_EQ(s.Buffer().size(), size_t(4) << 20);
+    EXPECT_EQ(s.Buffer()[1999], 2);
+    EXPECT_EQ(s.Buffer()[2000], 0);
+    mediatest::WriteFile("over.wav", MakeWav(std::vector<uint8_t>(2000, 2), 1, 44100, 16, (4 << 20) + 1));
+    EXPECT_FALSE(s.LoadWav("over.wav"));
+}
+
+}  // namespace

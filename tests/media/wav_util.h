@@ -4,15 +4,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "common/bytes.h"
+
 namespace mediatest {
 
-inline void Put16(std::vector<uint8_t>& v, size_t at, uint16_t x) {
-    v[at] = uint8_t(x);
-    v[at + 1] = uint8_t(x >> 8);
-}
-inline void Put32(std::vector<uint8_t>& v, size_t at, uint32_t x) {
-    for (int i = 0; i < 4; ++i) v[at + size_t(i)] = uint8_t(x >> (8 * i));
-}
+using testbytes::Set16;
+using testbytes::Set32;
 
 // A canonical 44-byte header followed by `data`; the RIFF size is the file size
 // minus 8 unless `riffSize` is given.
@@ -23,15 +20,15 @@ inline std::vector<uint8_t> MakeWav(const std::vector<uint8_t>& data, int channe
     const size_t at[] = {0, 8, 12, 36};
     for (int i = 0; i < 4; ++i)
         for (int k = 0; k < 4; ++k) v[at[i] + size_t(k)] = uint8_t(tags[i][k]);
-    Put32(v, 4, riffSize >= 0 ? uint32_t(riffSize) : uint32_t(36 + data.size()));
-    Put32(v, 16, 16);
-    Put16(v, 20, uint16_t(formatTag));
-    Put16(v, 22, uint16_t(channels));
-    Put32(v, 24, uint32_t(rate));
-    Put32(v, 28, uint32_t(rate * channels * bits / 8));
-    Put16(v, 32, uint16_t(channels * bits / 8));
-    Put16(v, 34, uint16_t(bits));
-    Put32(v, 40, uint32_t(data.size()));
+    Set32(v, 4, riffSize >= 0 ? uint32_t(riffSize) : uint32_t(36 + data.size()));
+    Set32(v, 16, 16);
+    Set16(v, 20, uint16_t(formatTag));
+    Set16(v, 22, uint16_t(channels));
+    Set32(v, 24, uint32_t(rate));
+    Set32(v, 28, uint32_t(rate * channels * bits / 8));
+    Set16(v, 32, uint16_t(channels * bits / 8));
+    Set16(v, 34, uint16_t(bits));
+    Set32(v, 40, uint32_t(data.size()));
     v.insert(v.end(), data.begin(), data.end());
     return v;
 }

@@ -9,7 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_reader.h"
 #include "base/gbk.h"
+#include "common/bytes.h"
 #include "base/message_box.h"
 #include "world/map.h"
 
@@ -45,20 +47,16 @@ struct SBuiltMap {
         header.objectCount = int32_t(objects.size());
         header.npcCount = int32_t(npcs.size());
         std::vector<uint8_t> out;
-        auto put = [&out](const void* p, size_t n) {
-            out.insert(out.end(), static_cast<const uint8_t*>(p), static_cast<const uint8_t*>(p) + n);
-        };
-        put(&header, sizeof header);
-        put(cells.data(), cells.size() * sizeof(SMapCell));
-        put(objects.data(), objects.size() * sizeof(SMapObject));
-        put(npcs.data(), npcs.size() * sizeof(SMapNpc));
+        testbytes::AppendRecord(out, header);
+        testbytes::AppendRecords(out, cells);
+        testbytes::AppendRecords(out, objects);
+        testbytes::AppendRecords(out, npcs);
         return out;
     }
 };
 
-std::string TempPath(const char* name) {
-    return (std::filesystem::temp_directory_path() / (std::string("ashen_world_") + name)).string();
-}
+// Files land in the test's scratch folder.
+std::string TempPath(const char* name) { return std::string("ashen_world_") + name; }
 
 std::string WriteBytes(const char* name, const std::vector<uint8_t>& bytes) {
     const std::string path = TempPath(name);
@@ -73,6 +71,12 @@ void ObserveBox(const char* text, const char* caption, int) {
     ++g_boxes;
     g_lastBoxText = text;
     g_lastBoxCaption = caption;
+}
+
+// The engine log of the scratch folder, read whole.
+std::string EngineLog() {
+    const testbytes::Bytes b = testbytes::LoadFile("GameEngine.log");
+    return std::string(b.begin(), b.end());
 }
 
 // Centre of cell (i, j)'s diamond.
@@ -300,5 +304,171 @@ TEST(MapFile, DamagedFilesFailCleanly) {
     pieces.objects.push_back(o);
     ASSERT_TRUE(map.Load(WriteBytes("pieces.map", pieces.Bytes()).c_str(), nullptr));
     EXPECT_EQ(map.Objects()[0].pieceCount, MAX_GROUND_PIECES);
+    SetMessageBoxObserver(nullptr);
+}
+
+namespace {
+
+// A map that draws one object with a ground piece, for the sheet checks.
+SBuiltMap MapWithObject() {
+    SBuiltMap m(4);
+    m.Cell(1, 2).picX = 576;  // the last column of the 640 x 640 tile sheet
+    m.Cell(1, 2).picY = 608;  // the last row
+    SMapObject o{};
+    o.sheetX = 1920;
+    o.sheetY = 1500;
+    o.width = 128;  // reaches the sheet's right edge exactly
+    o.height = 100;
+    o.pieceCount = 1;
+    o.pieces[0][0] = 1984;
+    o.pieces[0][1] = 1568;
+    m.objects.push_back(o);
+    return m;
+}
+
+}  // namespace
+
+// Every map the game ships, as mapc wrote it, reads and writes back byte for byte.
+TEST(MapFile, ShippedMapsRoundTripByteForByte) {
+    int maps = 0;
+    for (const auto& e : std::filesystem::directory_iterator(std::string(ASHEN_GAME_DIR) + "/map")) {
+        if (e.path().extension() != ".map") continue;
+        SCOPED_TRACE(e.path().string());
+        const testbytes::Bytes bytes = testbytes::LoadFile(e.path());
+        CByteReader in(bytes, e.path().filename().string());
+        SMapFile map;
+        ASSERT_EQ(ReadMapFile(in, map), EMapFileRead::Ok) << in.Error();
+        EXPECT_EQ(MapFileBytes(map), bytes);
+        EXPECT_EQ(map.cells.size(), size_t(map.header.size) * size_t(map.header.size));
+        ++maps;
+    }
+    EXPECT_GE(maps, 2);
+    // Bytes after a header text's terminator are kept as they are.
+    testbytes::Bytes b = testbytes::LoadFile(std::string(ASHEN_GAME_DIR) + "/map/main.map");
+    b[4 + 19] = 'z';
+    b[24 + 31] = 'z';
+    CByteReader in(b, "main.map");
+    SMapFile map;
+    ASSERT_EQ(ReadMapFile(in, map), EMapFileRead::Ok) << in.Error();
+    EXPECT_EQ(MapFileBytes(map), b);
+}
+
+// The damaged map of the crash report: the first cell's picture x at byte 100
+// set to 0x7fffffff. The engine refuses it, naming the file, cell and field,
+// instead of copying from far outside the tile sheet.
+TEST(MapFile, TheCrashReportsMapIsRefused) {
+    testbytes::Bytes b = testbytes::LoadFile(std::string(ASHEN_GAME_DIR) + "/map/main.map");
+    ASSERT_GT(b.size(), 104u);
+    testbytes::Set32(b, 100, 0x7fffffff);
+    testbytes::SaveFile("main.map", b);
+    CMap map;
+    std::remove("GameEngine.log");
+    EXPECT_FALSE(map.Load("main.map", nullptr));
+    EXPECT_FALSE(map.IsLoaded());
+    EXPECT_NE(EngineLog().find("map file main.map: cell (0,0) picX 2147483647 puts its picture outside the 640 x "
+                               "640 tile sheet at byte 100, open failed!"),
+              std::string::npos)
+        << EngineLog();
+}
+
+TEST(MapFile, SheetCoordinatesOffTheirSheetsAreRefusedByName) {
+    SetMessageBoxObserver(ObserveBox);
+    g_boxes = 0;
+    // The largest coordinates that still lie on the sheets are taken.
+    SBuiltMap edge = MapWithObject();
+    const std::vector<uint8_t> good = edge.Bytes();
+    CMap map;
+    ASSERT_TRUE(map.LoadBytes(good.data(), good.size(), "edge.map", nullptr));
+    {
+        CByteReader in(good, "edge.map");
+        SMapFile f;
+        ASSERT_EQ(ReadMapFile(in, f), EMapFileRead::Ok);
+        EXPECT_EQ(MapFileBytes(f), good);
+    }
+
+    struct SCase {
+        const char* what;
+        size_t at;       // byte offset of the field
+        int32_t value;
+        const char* message;
+    };
+    const size_t cell12 = 92 + (1 * 4 + 2) * 32, object0 = 92 + 16 * 32;
+    const SCase cases[] = {
+        {"picX max", 92 + 8, 0x7FFFFFFF, "cell (0,0) picX 2147483647 puts its picture outside the 640 x 640 tile sheet at byte 100"},
+        {"picX one over", cell12 + 8, 577, "cell (1,2) picX 577 puts its picture outside"},
+        {"picY one over", cell12 + 12, 609, "cell (1,2) picY 609 puts its picture outside"},
+        {"picY negative", cell12 + 12, -1, "cell (1,2) picY -1"},
+        {"sheetX max", object0 + 252, 0x7FFFFFFF, "object 0 sheetX 2147483647 puts its rectangle"},
+        {"sheetY over", object0 + 256, 1501, "object 0 height 100 puts its rectangle (1920,1501 128x100) outside the 2048 x 1600 object sheet"},
+        {"width over", object0 + 268, 129, "object 0 width 129"},
+        {"height negative", object0 + 272, -5, "object 0 height -5"},
+        {"piece x", object0 + 12, 1985, "object 0 ground piece 0 x 1985 lies outside the 2048 x 1600 object sheet"},
+        {"piece y", object0 + 16, 0x7FFFFFFF, "object 0 ground piece 0 y 2147483647"},
+    };
+    for (const SCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        std::vector<uint8_t> bad = good;
+        testbytes::Set32(bad, c.at, uint32_t(c.value));
+        CByteReader in(bad, "bad.map");
+        SMapFile f;
+        EXPECT_EQ(ReadMapFile(in, f), EMapFileRead::Damaged);
+        EXPECT_NE(in.Error().find(c.message), std::string::npos) << in.Error();
+        EXPECT_EQ(in.Error().rfind("bad.map: ", 0), 0u) << in.Error();
+        // The engine refuses it with one log line naming the file, keeps the old
+        // map, and shows no message box (the file is a map, only damaged).
+        std::remove("GameEngine.log");
+        testbytes::SaveFile("bad.map", bad);
+        EXPECT_FALSE(map.Load("bad.map", nullptr));
+        const std::string log = EngineLog();
+        EXPECT_NE(log.find("map file bad.map: "), std::string::npos) << log;
+        EXPECT_NE(log.find(c.message), std::string::npos) << log;
+        EXPECT_NE(log.find(", open failed!"), std::string::npos) << log;
+        EXPECT_EQ(map.Header().size, 4);
+        EXPECT_EQ(map.Cells()[6].picX, 576);
+    }
+    // A ground piece beyond the object's piece count is not looked at.
+    std::vector<uint8_t> unused = good;
+    testbytes::Set32(unused, object0 + 12 + 8, 0x7FFFFFFF);
+    EXPECT_TRUE(map.LoadBytes(unused.data(), unused.size(), "unused.map", nullptr));
+    EXPECT_EQ(g_boxes, 0);
+    SetMessageBoxObserver(nullptr);
+}
+
+TEST(MapFile, LoadsFromMemoryAsFromTheDisk) {
+    SetMessageBoxObserver(ObserveBox);
+    SBuiltMap m(6);
+    SMapNpc npc{};
+    npc.record = 3;
+    npc.cellX = 2;
+    m.npcs.push_back(npc);
+    const std::vector<uint8_t> b = m.Bytes();
+    CMap map;
+    std::vector<SMapNpc> npcs;
+    ASSERT_TRUE(map.LoadBytes(b.data(), b.size(), "mem.map", &npcs));
+    ASSERT_EQ(npcs.size(), 1u);
+    EXPECT_EQ(npcs[0].record, 3u);
+    EXPECT_EQ(map.Size(), 6);
+    // Not a map: the message box, as from a file.
+    g_boxes = 0;
+    std::vector<uint8_t> notMap = b;
+    notMap[0] = 'X';
+    EXPECT_FALSE(map.LoadBytes(notMap.data(), notMap.size(), "x.map", &npcs));
+    EXPECT_EQ(g_boxes, 1);
+    EXPECT_FALSE(map.LoadBytes(b.data(), 50, "short.map", &npcs));
+    EXPECT_EQ(g_boxes, 2);
+    EXPECT_EQ(map.Size(), 6);
+    // A file larger than any map may be is refused by its size.
+    {
+        FILE* f = std::fopen("huge.map", "wb");
+        ASSERT_NE(f, nullptr);
+        std::fwrite(b.data(), 1, b.size(), f);
+        std::fseek(f, long(MAP_FILE_MAX_BYTES), SEEK_SET);
+        std::fputc(0, f);
+        std::fclose(f);
+    }
+    std::remove("GameEngine.log");
+    EXPECT_FALSE(map.Load("huge.map", &npcs));
+    EXPECT_NE(EngineLog().find("more than the"), std::string::npos) << EngineLog();
+    EXPECT_EQ(g_boxes, 2);
     SetMessageBoxObserver(nullptr);
 }

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "items/database.h"
+#include "items/database_file.h"
 #include "base/gbk.h"
 
 namespace fs = std::filesystem;
@@ -208,11 +208,8 @@ bool CompileSkills(const STable& t, std::vector<SSkillInfo>* out) {
 
 template <class T>
 bool WriteDb(const fs::path& path, uint32_t magic, const std::vector<T>& records) {
-    std::vector<uint8_t> bytes(8 + records.size() * sizeof(T), 0);
-    std::memcpy(bytes.data(), &magic, 4);
-    const uint32_t count = uint32_t(records.size());
-    std::memcpy(bytes.data() + 4, &count, 4);  // not read by the game; handy for tools
-    if (!records.empty()) std::memcpy(bytes.data() + 8, records.data(), records.size() * sizeof(T));
+    // The count word after the magic is not read by the game; handy for tools.
+    const std::vector<uint8_t> bytes = DatabaseBytes(magic, records);
     std::error_code ec;
     fs::create_directories(path.parent_path(), ec);
     fs::path tmp = path;
@@ -240,6 +237,10 @@ int main(int argc, char** argv) {
     const bool okItems = CompileItems(items, &itemRecs);
     const bool okSkills = CompileSkills(skills, &skillRecs);
     if (!okItems || !okSkills) return 1;
+    if (itemRecs.size() > kDbMaxRecords || skillRecs.size() > kDbMaxRecords) {
+        std::fprintf(stderr, "dbc: a database holds at most %zu records\n", kDbMaxRecords);
+        return 1;
+    }
     // Books teach the skill of the same name.
     for (const SItemInfo& it : itemRecs) {
         if (it.nType != ITEM_BOOK) continue;

@@ -5,11 +5,13 @@
 #include <cstring>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <set>
 #include <sstream>
 
+#include "base/byte_reader.h"
 #include "base/gbk.h"
-#include "xml.h"
+#include "tmx_xml.h"
 
 namespace {
 
@@ -198,23 +200,25 @@ bool LoadTileset(const std::string& baseDir, STileset& ts, SContext& ctx) {
         ctx.Error("tileset " + ts.source + " cannot be read");
         return false;
     }
-    auto root = ParseXml(text, error);
-    if (!root || root->name != "tileset") {
-        ctx.Error("tileset " + ts.source + ": " + (root ? "not a tileset" : error));
+    pugi::xml_document doc;
+    CXml root;
+    const bool parsed = ParseXml(doc, text, root, error);
+    if (!parsed || root.Name() != "tileset") {
+        ctx.Error("tileset " + ts.source + ": " + (parsed ? "not a tileset" : error));
         return false;
     }
-    if (const std::string* t = root->Property("objects"); t && *t == "true") ts.isObjects = true;
+    if (const std::optional<std::string> t = root.Property("objects"); t && *t == "true") ts.isObjects = true;
     const std::string base = BaseName(ts.source);
     if (base == "objects.tsx") ts.isObjects = true;
     if (ts.isObjects) {
-        for (const SXmlNode* tile : root->Children("tile")) {
+        for (const CXml tile : root.Children("tile")) {
             int32_t id = 0;
-            if (!ParseInt(tile->AttrOr("id", ""), id)) continue;
+            if (!ParseInt(tile.AttrOr("id", ""), id)) continue;
             std::string name;
-            if (const std::string* n = tile->Property("name")) name = *n;
+            if (const std::optional<std::string> n = tile.Property("name")) name = *n;
             if (name.empty()) {
-                if (const SXmlNode* img = tile->Child("image")) {
-                    name = BaseName(img->AttrOr("source", ""));
+                if (const CXml img = tile.Child("image")) {
+                    name = BaseName(img.AttrOr("source", ""));
                     size_t dot = name.rfind('.');
                     if (dot != std::string::npos) name.resize(dot);
                 }
@@ -224,8 +228,8 @@ bool LoadTileset(const std::string& baseDir, STileset& ts, SContext& ctx) {
         return true;
     }
     int32_t type = 0;
-    if (const std::string* t = root->Property("tiletype")) ParseInt(*t, type);
-    else if (const std::string* t2 = root->Property("type")) ParseInt(*t2, type);
+    if (const std::optional<std::string> t = root.Property("tiletype")) ParseInt(*t, type);
+    else if (const std::optional<std::string> t2 = root.Property("type")) ParseInt(*t2, type);
     if (type == 0 && std::sscanf(base.c_str(), "tiles_%d.tsx", &type) != 1) type = 0;
     if (type < 1 || type > 255) {
         ctx.Error("tileset " + ts.source + ": no tile type (name it tiles_<type>.tsx or give it a property type)");
@@ -235,19 +239,19 @@ bool LoadTileset(const std::string& baseDir, STileset& ts, SContext& ctx) {
     return true;
 }
 
-bool ReadCsvLayer(const SXmlNode& layer, int32_t n, std::vector<uint32_t>& gids, SContext& ctx) {
+bool ReadCsvLayer(const CXml& layer, int32_t n, std::vector<uint32_t>& gids, SContext& ctx) {
     const std::string name = layer.AttrOr("name", "?");
-    const SXmlNode* data = layer.Child("data");
+    const CXml data = layer.Child("data");
     if (!data) {
         ctx.Error("layer " + name + " has no data");
         return false;
     }
-    if (data->AttrOr("encoding", "") != "csv" || data->Attr("compression")) {
+    if (data.AttrOr("encoding", "") != "csv" || data.Attr("compression")) {
         ctx.Error("layer " + name + ": save layers in CSV format (Map > Map Properties > Tile Layer Format)");
         return false;
     }
     gids.clear();
-    std::stringstream ss(data->text);
+    std::stringstream ss(data.Text());
     std::string item;
     while (std::getline(ss, item, ',')) {
         size_t a = item.find_first_not_of(" \t\r\n"), b = item.find_last_not_of(" \t\r\n");
@@ -284,21 +288,8 @@ bool CopyText(char* dst, size_t size, const std::string& utf8, const char* what,
 
 }  // namespace
 
-std::vector<uint8_t> SCompiledMap::Bytes() const {
-    std::vector<uint8_t> out;
-    auto put = [&out](const void* p, size_t n) {
-        const uint8_t* b = static_cast<const uint8_t*>(p);
-        out.insert(out.end(), b, b + n);
-    };
-    put(&header, sizeof header);
-    put(cells.data(), cells.size() * sizeof(SMapCell));
-    put(objects.data(), objects.size() * sizeof(SMapObject));
-    put(npcs.data(), npcs.size() * sizeof(SMapNpc));
-    return out;
-}
-
 bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SManifest& manifest,
-                SRegistries& registries, SCompiledMap& out, std::vector<std::string>& errors) {
+                SRegistries& registries, SMapFile& out, std::vector<std::string>& errors) {
     const size_t errorsBefore = errors.size();
     SContext ctx{BaseName(tmxPath), errors};
     std::string text, error;
@@ -306,18 +297,19 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
         ctx.Error("cannot be read");
         return false;
     }
-    auto root = ParseXml(text, error);
-    if (!root) {
+    pugi::xml_document doc;
+    CXml root;
+    if (!ParseXml(doc, text, root, error)) {
         ctx.Error(error);
         return false;
     }
-    if (root->name != "map" || root->AttrOr("orientation", "") != "isometric" ||
-        root->AttrOr("tilewidth", "") != "64" || root->AttrOr("tileheight", "") != "32") {
+    if (root.Name() != "map" || root.AttrOr("orientation", "") != "isometric" ||
+        root.AttrOr("tilewidth", "") != "64" || root.AttrOr("tileheight", "") != "32") {
         ctx.Error("must be an isometric map with 64 x 32 tiles");
         return false;
     }
     int32_t n = 0, height = 0;
-    if (!ParseInt(root->AttrOr("width", ""), n) || !ParseInt(root->AttrOr("height", ""), height) || n != height ||
+    if (!ParseInt(root.AttrOr("width", ""), n) || !ParseInt(root.AttrOr("height", ""), height) || n != height ||
         n < 1 || n > MAP_MAX_SIZE) {
         ctx.Error("width and height must be equal, 1 to " + std::to_string(MAP_MAX_SIZE));
         return false;
@@ -329,19 +321,19 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
     std::memcpy(h.magic, "2pam", 4);
     h.size = n;
     CopyText(h.fileName, sizeof h.fileName, outName, "file name", ctx);
-    const std::string* display = root->Property("name");
-    const std::string* music = root->Property("music");
+    const std::optional<std::string> display = root.Property("name");
+    const std::optional<std::string> music = root.Property("music");
     if (!display) ctx.Error("map property 'name' (display name) is missing");
     if (!music) ctx.Error("map property 'music' is missing");
     if (display) CopyText(h.displayName, sizeof h.displayName, *display, "display name", ctx);
     if (music) CopyText(h.music, sizeof h.music, *music, "music name", ctx);
-    const std::string* sx = root->Property("start_x");
-    const std::string* sy = root->Property("start_y");
+    const std::optional<std::string> sx = root.Property("start_x");
+    const std::optional<std::string> sy = root.Property("start_y");
     const bool startValid = sx && sy && ParseInt(*sx, h.startX) && ParseInt(*sy, h.startY) && h.startX >= 0 &&
                             h.startY >= 0 && h.startX < n && h.startY < n;
     if (!startValid) ctx.Error("map properties start_x and start_y must name a cell of the map");
     std::set<int> blockingTypes;
-    if (const std::string* bt = root->Property("blocking_types")) {
+    if (const std::optional<std::string> bt = root.Property("blocking_types")) {
         std::vector<int32_t> v;
         if (!ParseInts(*bt, v)) ctx.Error("map property blocking_types must be a comma list of tile types");
         blockingTypes.insert(v.begin(), v.end());
@@ -350,15 +342,15 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
     // Tilesets.
     std::vector<STileset> tilesets;
     const std::string baseDir = DirOf(tmxPath);
-    for (const SXmlNode* t : root->Children("tileset")) {
+    for (const CXml t : root.Children("tileset")) {
         STileset ts;
         int32_t first = 0;
-        if (!ParseInt(t->AttrOr("firstgid", ""), first) || first < 1 || !t->Attr("source")) {
+        if (!ParseInt(t.AttrOr("firstgid", ""), first) || first < 1 || !t.Attr("source")) {
             ctx.Error("tilesets must be external .tsx files with a firstgid");
             continue;
         }
         ts.firstGid = uint32_t(first);
-        ts.source = *t->Attr("source");
+        ts.source = *t.Attr("source");
         if (LoadTileset(baseDir, ts, ctx)) tilesets.push_back(ts);
     }
 
@@ -373,11 +365,11 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
             c.cross = 1;
         }
     bool haveGround = false;
-    for (const SXmlNode* layer : root->Children("layer")) {
-        const std::string lname = layer->AttrOr("name", "");
+    for (const CXml layer : root.Children("layer")) {
+        const std::string lname = layer.AttrOr("name", "");
         std::vector<uint32_t> gids;
         if (lname != "ground" && lname != "block") continue;
-        if (!ReadCsvLayer(*layer, n, gids, ctx)) continue;
+        if (!ReadCsvLayer(layer, n, gids, ctx)) continue;
         // Layer data runs row by row: index = row * n + column, column = first index.
         for (int32_t row = 0; row < n; ++row)
             for (int32_t col = 0; col < n; ++col) {
@@ -422,18 +414,18 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
 
     // Objects, exits, scripts and NPC placements from the object layers.
     std::vector<std::pair<int32_t, int32_t>> walkCells;
-    for (const SXmlNode* group : root->Children("objectgroup")) {
-        for (const SXmlNode* obj : group->Children("object")) {
-            const std::string id = obj->AttrOr("id", "?");
-            const std::string oname = obj->AttrOr("name", "");
+    for (const CXml group : root.Children("objectgroup")) {
+        for (const CXml obj : group.Children("object")) {
+            const std::string id = obj.AttrOr("id", "?");
+            const std::string oname = obj.AttrOr("name", "");
             const std::string what = "object " + id + (oname.empty() ? "" : " '" + oname + "'");
             double ox = 0, oy = 0, ow = 0, oh = 0;
-            if (!ParseDouble(obj->AttrOr("x", "0"), ox) || !ParseDouble(obj->AttrOr("y", "0"), oy) ||
-                !ParseDouble(obj->AttrOr("width", "0"), ow) || !ParseDouble(obj->AttrOr("height", "0"), oh)) {
+            if (!ParseDouble(obj.AttrOr("x", "0"), ox) || !ParseDouble(obj.AttrOr("y", "0"), oy) ||
+                !ParseDouble(obj.AttrOr("width", "0"), ow) || !ParseDouble(obj.AttrOr("height", "0"), oh)) {
                 ctx.Error(what + ": bad position or size");
                 continue;
             }
-            if (const std::string* gidText = obj->Attr("gid")) {
+            if (const std::optional<std::string> gidText = obj.Attr("gid")) {
                 int32_t gidValue = 0;
                 ParseInt(*gidText, gidValue);
                 const uint32_t gid = uint32_t(gidValue) & kGidMask;
@@ -483,9 +475,9 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
                 for (auto [di, dj] : mo.walk) walkCells.emplace_back(bi + di, bj + dj);
                 continue;
             }
-            const std::string* exitText = obj->Property("exit");
-            const std::string* scriptText = obj->Property("script");
-            const std::string* npcText = obj->Property("npc");
+            const std::optional<std::string> exitText = obj.Property("exit");
+            const std::optional<std::string> scriptText = obj.Property("script");
+            const std::optional<std::string> npcText = obj.Property("npc");
             if (npcText) {
                 int32_t record = 0;
                 if (!ParseInt(*npcText, record) || record < 1) {
@@ -507,8 +499,8 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
             if (!exitText && !scriptText) continue;  // notes and other shapes are ignored
             int32_t exitNo = 0, scriptNo = 0;
             if (exitText) {
-                const std::string* target = obj->Property("target");
-                const std::string* label = obj->Property("label");
+                const std::optional<std::string> target = obj.Property("target");
+                const std::optional<std::string> label = obj.Property("label");
                 if (!ParseInt(*exitText, exitNo) || exitNo < 1 || exitNo > 255 || !target) {
                     ctx.Error(what + ": an exit needs exit=1..255 and target=<map file>");
                     continue;
@@ -522,7 +514,7 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
                 }
             }
             if (scriptText) {
-                const std::string* sname = obj->Property("name");
+                const std::optional<std::string> sname = obj.Property("name");
                 if (!ParseInt(*scriptText, scriptNo) || scriptNo < 1 || scriptNo > 255 || !sname) {
                     ctx.Error(what + ": a script needs script=1..255 and name=<script file>");
                     continue;
@@ -559,6 +551,13 @@ bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SM
     h.npcCount = int32_t(out.npcs.size());
     if (startValid && out.cells[size_t(h.startX) * size_t(n) + size_t(h.startY)].cross == 0)
         ctx.Error("the start " + CellName(h.startX, h.startY) + " is blocked");
+    if (errors.size() != errorsBefore) return false;
+    // The game's own reader must take what was compiled (sheet coordinates from
+    // the manifests included).
+    const std::vector<uint8_t> bytes = MapFileBytes(out);
+    CByteReader check(bytes, outName);
+    SMapFile back;
+    if (ReadMapFile(check, back) != EMapFileRead::Ok) ctx.Error("the game would refuse the compiled map: " + check.Reason());
     return errors.size() == errorsBefore;
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "world/map.h"
+#include "world/map_file.h"
 
 // One object of the art manifest (stage/manifest/objects.txt).
 struct SManifestObject {
@@ -41,18 +41,11 @@ struct SRegistries {
     std::map<int, SScriptEntry> scripts;
 };
 
-struct SCompiledMap {
-    SMapHeader header{};
-    std::vector<SMapCell> cells;
-    std::vector<SMapObject> objects;
-    std::vector<SMapNpc> npcs;
-    std::vector<uint8_t> Bytes() const;
-};
-
-// Compiles one TMX file (its tilesets are read relative to it). Errors name the
-// file and the cell or object at fault; every error found is appended.
+// Compiles one TMX file (its tilesets are read relative to it) into a map file
+// (world/map_file.h) that the engine's reader accepts. Errors name the file and
+// the cell or object at fault; every error found is appended.
 bool CompileTmx(const std::string& tmxPath, const std::string& outName, const SManifest& manifest,
-                SRegistries& registries, SCompiledMap& out, std::vector<std::string>& errors);
+                SRegistries& registries, SMapFile& out, std::vector<std::string>& errors);
 
 // The registries as INI texts (GBK, CR LF).
 std::string MapsIniText(const SRegistries& r);

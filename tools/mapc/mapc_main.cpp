@@ -67,10 +67,10 @@ int main(int argc, char** argv) {
 
     SRegistries registries;
     std::vector<std::string> errors;
-    std::vector<std::pair<std::string, SCompiledMap>> compiled;
+    std::vector<std::pair<std::string, SMapFile>> compiled;
     for (const std::string& in : inputs) {
         std::string name = std::filesystem::path(in).stem().string() + ".map";
-        SCompiledMap map;
+        SMapFile map;
         if (CompileTmx(in, name, manifest, registries, map, errors)) compiled.emplace_back(name, std::move(map));
     }
     for (const auto& [name, map] : compiled)
@@ -84,7 +84,7 @@ int main(int argc, char** argv) {
     std::error_code ec;
     std::filesystem::create_directories(outMaps, ec);
     for (const auto& [name, map] : compiled) {
-        const std::vector<uint8_t> bytes = map.Bytes();
+        const std::vector<uint8_t> bytes = MapFileBytes(map);
         if (!WriteFile(std::filesystem::path(outMaps) / name, bytes.data(), bytes.size())) {
             std::fprintf(stderr, "mapc: cannot write %s/%s\n", outMaps.c_str(), name.c_str());
             return 1;

@@ -1,14 +1,12 @@
-// Role descriptions and the binary role animation file.
+// Role descriptions, and the role animation file built from them.
 //
 // A role description (content/roles/<look>.txt) is a UTF-8 text of "key values"
 // lines; '#' starts a comment. It names the look (its frame folder in the role
 // pack), the role file, the frame size, the actions with their frames per
 // direction, and the recipe the character generator paints the frames from
 // (rig, colours, gear). The role compiler turns it into the binary file the
-// engine reads: a 2532-byte header, one 3188-byte record per action and one
-// 44-byte record per frame, little-endian. Each action owns 8 * n consecutive
-// frames, direction by direction (1 = up, clockwise), so frame (a, d, k) is
-// first(a) + (d - 1) * n(a) + k.
+// engine reads; its records are those of characters/role_file.h, the one
+// definition the engine and the tools share.
 //
 // Header-only so that the tools and the tests share one implementation.
 #pragma once
@@ -22,23 +20,14 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_reader.h"
+#include "characters/role_file.h"
+
 namespace rolefile {
 
-constexpr int kHeaderSize = 2532;
-constexpr int kActionSize = 3188;
-constexpr int kFrameSize = 44;
-constexpr int kMagic = 8077;
-constexpr int kHeaderFrameCount = 24;
-constexpr int kHeaderActionCount = 28;
-constexpr int kActionName = 4;
-constexpr int kActionNameMax = 52;  // bytes including the terminating NUL
-constexpr int kActionFrames = 56;
-constexpr int kActionFirst = 3184;
-constexpr int kFrameWidth = 4;
-constexpr int kFrameHeight = 8;
-constexpr int kFrameName = 12;
-constexpr int kFrameNameMax = 32;  // bytes including the terminating NUL
-constexpr int kDirections = 8;
+constexpr int kActionNameMax = int(sizeof(SRoleAction::name));   // bytes including the terminating NUL
+constexpr int kFrameNameMax = int(sizeof(SRoleFrame::bitmap));   // bytes including the terminating NUL
+constexpr int kDirections = ROLE_DIRECTIONS;
 
 struct Colour {
     int r = 0, g = 0, b = 0;
@@ -245,56 +234,45 @@ inline bool LoadDesc(const std::string& path, Desc& out, std::string& errors) {
     return ParseDesc(ss.str(), path, out, errors);
 }
 
-inline void Put32(std::vector<uint8_t>& b, size_t at, int32_t v) {
-    uint32_t u = static_cast<uint32_t>(v);
-    for (int i = 0; i < 4; ++i) b[at + i] = static_cast<uint8_t>(u >> (8 * i));
+// Copies a text into a fixed field, cut so that the terminating NUL fits.
+inline void PutText(char* field, size_t size, const std::string& s) {
+    const size_t n = s.size() < size - 1 ? s.size() : size - 1;
+    std::memcpy(field, s.data(), n);
 }
 
-inline int32_t Get32(const std::vector<uint8_t>& b, size_t at) {
-    uint32_t u = 0;
-    for (int i = 0; i < 4; ++i) u |= static_cast<uint32_t>(b[at + i]) << (8 * i);
-    return static_cast<int32_t>(u);
-}
-
-inline void PutText(std::vector<uint8_t>& b, size_t at, const std::string& s, size_t field) {
-    size_t n = s.size() < field - 1 ? s.size() : field - 1;
-    std::memcpy(b.data() + at, s.data(), n);
-}
-
-// The binary role file of a parsed description. The fields the engine does not
-// read hold: the look name in header bytes 4..23, and each record's own index in
-// its first word.
-inline std::vector<uint8_t> BuildRoleFile(const Desc& d) {
-    const int A = static_cast<int>(d.actions.size());
-    const int F = d.FrameCount();
-    std::vector<uint8_t> b(static_cast<size_t>(kHeaderSize + A * kActionSize + F * kFrameSize), 0);
-    Put32(b, 0, kMagic);
-    PutText(b, 4, d.look, 20);
-    Put32(b, kHeaderFrameCount, F);
-    Put32(b, kHeaderActionCount, A);
-    for (int a = 0; a < A; ++a) {
-        size_t at = static_cast<size_t>(kHeaderSize + a * kActionSize);
-        Put32(b, at, a);
-        PutText(b, at + kActionName, d.actions[a].name, kActionNameMax);
-        Put32(b, at + kActionFrames, d.actions[a].frames);
-        Put32(b, at + kActionFirst, d.FirstFrame(a));
+// The role file of a parsed description. The fields the engine does not read
+// hold: the look name in header bytes 4..23, and each record's own index in its
+// first word.
+inline SRoleFile BuildRole(const Desc& d) {
+    SRoleFile f;
+    f.header.magic = ROLE_FILE_MAGIC;
+    PutText(reinterpret_cast<char*>(f.header.unused1), sizeof f.header.unused1, d.look);
+    f.actions.resize(d.actions.size(), SRoleAction{});
+    for (size_t a = 0; a < d.actions.size(); ++a) {
+        SRoleAction& ra = f.actions[a];
+        ra.unused1 = int32_t(a);
+        PutText(ra.name, sizeof ra.name, d.actions[a].name);
+        ra.framesPerDir = d.actions[a].frames;
+        ra.firstFrame = d.FirstFrame(a);
     }
-    size_t frames = static_cast<size_t>(kHeaderSize + A * kActionSize);
-    for (int a = 0; a < A; ++a)
+    f.frames.resize(size_t(d.FrameCount()), SRoleFrame{});
+    for (size_t a = 0; a < d.actions.size(); ++a)
         for (int dir = 1; dir <= kDirections; ++dir)
             for (int k = 0; k < d.actions[a].frames; ++k) {
-                int idx = d.FrameIndex(a, dir, k);
-                size_t at = frames + static_cast<size_t>(idx) * kFrameSize;
-                Put32(b, at, idx);
-                Put32(b, at + kFrameWidth, d.width);
-                Put32(b, at + kFrameHeight, d.height);
-                PutText(b, at + kFrameName, d.FrameName(a, dir, k), kFrameNameMax);
+                const int idx = d.FrameIndex(a, dir, k);
+                SRoleFrame& fr = f.frames[size_t(idx)];
+                fr.unused = idx;
+                fr.width = d.width;
+                fr.height = d.height;
+                PutText(fr.bitmap, sizeof fr.bitmap, d.FrameName(a, dir, k));
             }
-    return b;
+    return f;
 }
 
-// A role file read back and checked: every count, index and name is validated
-// against the bytes actually present.
+inline std::vector<uint8_t> BuildRoleFile(const Desc& d) { return RoleFileBytes(BuildRole(d)); }
+
+// A role file read back with the tools' strict checks (characters/role_file.h):
+// every count, index and name is validated against the bytes actually present.
 struct ReadAction {
     std::string name;
     int frames = 0, first = 0;
@@ -308,42 +286,16 @@ struct RoleFile {
     std::vector<ReadFrame> frames;
 };
 
-inline bool ReadField(const std::vector<uint8_t>& b, size_t at, size_t field, std::string& out) {
-    for (size_t i = 0; i < field; ++i)
-        if (b[at + i] == 0) {
-            out.assign(reinterpret_cast<const char*>(b.data() + at), i);
-            return true;
-        }
-    return false;  // not terminated inside its field
-}
-
 inline bool ParseRoleFile(const std::vector<uint8_t>& b, RoleFile& out, std::string& error) {
     out = RoleFile{};
-    if (b.size() < static_cast<size_t>(kHeaderSize)) return error = "shorter than the header", false;
-    if (Get32(b, 0) != kMagic) return error = "bad magic", false;
-    int64_t F = Get32(b, kHeaderFrameCount), A = Get32(b, kHeaderActionCount);
-    if (F < 0 || A < 0) return error = "negative count", false;
-    if (static_cast<int64_t>(b.size()) != kHeaderSize + A * kActionSize + F * kFrameSize)
-        return error = "size does not match the counts", false;
-    for (int64_t a = 0; a < A; ++a) {
-        size_t at = static_cast<size_t>(kHeaderSize + a * kActionSize);
-        ReadAction ra;
-        if (!ReadField(b, at + kActionName, kActionNameMax, ra.name)) return error = "action name not terminated", false;
-        ra.frames = Get32(b, at + kActionFrames);
-        ra.first = Get32(b, at + kActionFirst);
-        if (ra.frames < 1 || ra.first < 0 || static_cast<int64_t>(ra.first) + int64_t{kDirections} * ra.frames > F)
-            return error = "action '" + ra.name + "' frames outside the frame table", false;
-        out.actions.push_back(ra);
+    CByteReader in(b);
+    SRoleFile f;
+    if (!ReadRoleFile(in, f, ERoleCheck::Strict)) {
+        error = in.Reason();
+        return false;
     }
-    size_t frames = static_cast<size_t>(kHeaderSize + A * kActionSize);
-    for (int64_t f = 0; f < F; ++f) {
-        size_t at = frames + static_cast<size_t>(f) * kFrameSize;
-        ReadFrame rf;
-        rf.width = Get32(b, at + kFrameWidth);
-        rf.height = Get32(b, at + kFrameHeight);
-        if (!ReadField(b, at + kFrameName, kFrameNameMax, rf.name)) return error = "frame name not terminated", false;
-        out.frames.push_back(rf);
-    }
+    for (const SRoleAction& a : f.actions) out.actions.push_back(ReadAction{a.name, a.framesPerDir, a.firstFrame});
+    for (const SRoleFrame& fr : f.frames) out.frames.push_back(ReadFrame{fr.width, fr.height, fr.bitmap});
     return true;
 }
 

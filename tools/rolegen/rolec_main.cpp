@@ -49,6 +49,14 @@ int main(int argc, char** argv) {
             continue;
         }
         std::vector<uint8_t> bytes = rolefile::BuildRoleFile(d);
+        // The engine's own reader must take it (counts and frame sizes within limits).
+        CByteReader check(bytes, d.file);
+        SRoleFile back;
+        if (!ReadRoleFile(check, back, ERoleCheck::Strict)) {
+            std::fprintf(stderr, "%s: the game would refuse the role file: %s\n", argv[i], check.Error().c_str());
+            ++failures;
+            continue;
+        }
         fs::path out = outDir / d.file;
         std::ofstream f(out, std::ios::binary);
         f.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));

@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../tools/audiogen/composer.cpp"
-#include "../../tools/audiogen/instruments.cpp"
-#include "../../tools/audiogen/music.cpp"
-#include "../../tools/audiogen/recipe.cpp"
-#include "../../tools/audiogen/sfx_synth.cpp"
-#include "../../tools/audiogen/wav_writer.cpp"
+#include "tools/audiogen/composer.cpp"
+#include "tools/audiogen/instruments.cpp"
+#include "tools/audiogen/music.cpp"
+#include "tools/audiogen/recipe.cpp"
+#include "tools/audiogen/sfx_synth.cpp"
+#include "tools/audiogen/wav_writer.cpp"
 
 using namespace audiogen;
 

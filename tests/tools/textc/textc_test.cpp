@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "res_test_util.h"
+#include "resources/res_test_util.h"
 #include "base/gbk.h"
 
 namespace {

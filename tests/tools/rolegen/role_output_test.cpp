@@ -13,11 +13,13 @@
 #include <string>
 #include <vector>
 
-#include "../../tools/rolegen/role_desc.h"
+#include "tools/rolegen/role_desc.h"
 #include "characters/role.h"
+#include "common/bytes.h"
 
 namespace fs = std::filesystem;
 using namespace rolefile;
+using testbytes::Get32;
 
 namespace {
 
@@ -369,10 +371,12 @@ TEST(RoleOutput, GeneratorReportsFaultyRecipesWithFileAndLine) {
 TEST(RoleOutput, EngineReaderAcceptsEveryGeneratedRoleFile) {
     for (const auto& d : Looks()) {
         SCOPED_TRACE(d.look);
-        SRoleFileHeader header{};
-        std::vector<SRoleAction> actions;
-        std::vector<SRoleFrame> frames;
-        ASSERT_TRUE(ReadRoleFile((Stage() / "loose/data" / d.file).c_str(), header, actions, frames));
+        SRoleFile file;
+        std::string error;
+        ASSERT_TRUE(LoadRoleFile((Stage() / "loose/data" / d.file).string(), file, &error)) << error;
+        const SRoleFileHeader& header = file.header;
+        const std::vector<SRoleAction>& actions = file.actions;
+        const std::vector<SRoleFrame>& frames = file.frames;
         EXPECT_EQ(header.magic, ROLE_FILE_MAGIC);
         ASSERT_EQ(actions.size(), d.actions.size());
         ASSERT_EQ(frames.size(), static_cast<size_t>(d.FrameCount()));

@@ -11,11 +11,11 @@
 #include <string>
 #include <vector>
 
-#include "../../tools/artgen/canvas.cpp"
-#include "../../tools/artgen/font.cpp"
-#include "../../tools/artgen/iso.cpp"
-#include "../../tools/artgen/text.cpp"
-#include "../../tools/artgen/noise.h"
+#include "tools/artgen/canvas.cpp"
+#include "tools/artgen/font.cpp"
+#include "tools/artgen/iso.cpp"
+#include "tools/artgen/text.cpp"
+#include "tools/artgen/noise.h"
 #include "resources/bmp.h"
 
 using namespace art;

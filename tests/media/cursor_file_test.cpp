@@ -1,32 +1,29 @@
 // Animated cursor files: frames, hot spots, timing, and damaged files.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
-#include "media/cursor_ani.h"
+#include "common/bytes.h"
+#include "media/cursor_file.h"
 
 namespace {
 
-void Put32(std::vector<uint8_t>& v, uint32_t x) {
-    for (int i = 0; i < 4; ++i) v.push_back(uint8_t(x >> (8 * i)));
-}
-void Put16(std::vector<uint8_t>& v, uint16_t x) {
-    v.push_back(uint8_t(x));
-    v.push_back(uint8_t(x >> 8));
-}
+using testbytes::Append16;
+using testbytes::Append32;
 
 // A 4 x 2 cursor: 24-bit colours with an AND mask, or 32-bit with alpha.
 std::vector<uint8_t> MakeCursor(int bits, uint16_t hotX, uint16_t hotY, uint8_t red) {
     const int w = 4, h = 2;
     std::vector<uint8_t> img;
-    Put32(img, 40);
-    Put32(img, w);
-    Put32(img, h * 2);
-    Put16(img, 1);
-    Put16(img, uint16_t(bits));
-    for (int i = 0; i < 6; ++i) Put32(img, 0);
+    Append32(img, 40);
+    Append32(img, w);
+    Append32(img, h * 2);
+    Append16(img, 1);
+    Append16(img, uint16_t(bits));
+    for (int i = 0; i < 6; ++i) Append32(img, 0);
     for (int y = 0; y < h; ++y) {  // bottom-up: the first stored row is the lowest
         for (int x = 0; x < w; ++x) {
             img.push_back(uint8_t(10 * x));  // blue
@@ -42,24 +39,24 @@ std::vector<uint8_t> MakeCursor(int bits, uint16_t hotX, uint16_t hotY, uint8_t 
         img.insert(img.end(), 3, 0);
     }
     std::vector<uint8_t> cur;
-    Put16(cur, 0);
-    Put16(cur, 2);
-    Put16(cur, 1);
+    Append16(cur, 0);
+    Append16(cur, 2);
+    Append16(cur, 1);
     cur.push_back(w);
     cur.push_back(h);
     cur.push_back(0);
     cur.push_back(0);
-    Put16(cur, hotX);
-    Put16(cur, hotY);
-    Put32(cur, uint32_t(img.size()));
-    Put32(cur, 22);
+    Append16(cur, hotX);
+    Append16(cur, hotY);
+    Append32(cur, uint32_t(img.size()));
+    Append32(cur, 22);
     cur.insert(cur.end(), img.begin(), img.end());
     return cur;
 }
 
 void Chunk(std::vector<uint8_t>& v, const char* id, const std::vector<uint8_t>& body) {
     v.insert(v.end(), id, id + 4);
-    Put32(v, uint32_t(body.size()));
+    Append32(v, uint32_t(body.size()));
     v.insert(v.end(), body.begin(), body.end());
     if (body.size() & 1) v.push_back(0);
 }
@@ -67,24 +64,24 @@ void Chunk(std::vector<uint8_t>& v, const char* id, const std::vector<uint8_t>& 
 std::vector<uint8_t> MakeAni(uint32_t frames, uint32_t steps, const std::vector<uint32_t>& seq,
                              const std::vector<uint32_t>& rate, const std::vector<std::vector<uint8_t>>& images) {
     std::vector<uint8_t> anih;
-    for (uint32_t x : {36u, frames, steps, 0u, 0u, 0u, 0u, 6u, 1u}) Put32(anih, x);
+    for (uint32_t x : {36u, frames, steps, 0u, 0u, 0u, 0u, 6u, 1u}) Append32(anih, x);
     std::vector<uint8_t> body = {'A', 'C', 'O', 'N'};
     Chunk(body, "anih", anih);
     if (!rate.empty()) {
         std::vector<uint8_t> r;
-        for (uint32_t x : rate) Put32(r, x);
+        for (uint32_t x : rate) Append32(r, x);
         Chunk(body, "rate", r);
     }
     if (!seq.empty()) {
         std::vector<uint8_t> s;
-        for (uint32_t x : seq) Put32(s, x);
+        for (uint32_t x : seq) Append32(s, x);
         Chunk(body, "seq ", s);
     }
     std::vector<uint8_t> list = {'f', 'r', 'a', 'm'};
     for (auto& i : images) Chunk(list, "icon", i);
     Chunk(body, "LIST", list);
     std::vector<uint8_t> file = {'R', 'I', 'F', 'F'};
-    Put32(file, uint32_t(body.size()));
+    Append32(file, uint32_t(body.size()));
     file.insert(file.end(), body.begin(), body.end());
     return file;
 }
@@ -149,4 +146,30 @@ TEST(AniCursor, DamagedFilesAreRefused) {
     cur[18] = 0xFF;
     SCursorImage img;
     EXPECT_FALSE(ParseCursorImage(cur.data(), cur.size(), img, err));
+}
+
+TEST(AniCursor, FilesAreReadWithACap) {
+    SAniCursor ani;
+    std::string err;
+    // The game's own cursor.
+    ASSERT_TRUE(LoadAniCursor(std::string(ASHEN_GAME_DIR) + "/data/cursor.ani", ani, err)) << err;
+    EXPECT_FALSE(ani.images.empty());
+    // A file written here, then the same file grown past the cap.
+    testbytes::SaveFile("c.ani", MakeAni(1, 1, {}, {}, {MakeCursor(24, 0, 0, 1)}));
+    ASSERT_TRUE(LoadAniCursor("c.ani", ani, err)) << err;
+    {
+        FILE* f = std::fopen("c.ani", "r+b");
+        ASSERT_NE(f, nullptr);
+        std::fseek(f, long(kAniCursorMaxBytes), SEEK_SET);
+        std::fputc(0, f);
+        std::fclose(f);
+    }
+    EXPECT_FALSE(LoadAniCursor("c.ani", ani, err));
+    EXPECT_EQ(err, "c.ani: 4194305 bytes, more than the 4194304 this file may hold");
+    EXPECT_FALSE(LoadAniCursor("none.ani", ani, err));
+    // A damaged file names itself in the reason.
+    auto bad = MakeAni(2, 1, {}, {}, {MakeCursor(24, 0, 0, 1)});
+    testbytes::SaveFile("bad.ani", bad);
+    EXPECT_FALSE(LoadAniCursor("bad.ani", ani, err));
+    EXPECT_EQ(err, "bad.ani: frame count does not match the frames found");
 }

@@ -1,7 +1,9 @@
 // Animated cursor files (RIFF "ACON"): the "anih" header, optional "rate" and
-// "seq " tables and a "fram" list of icon or cursor images. Parsed into 32-bit
-// ARGB frames so that the window layer can make platform cursors of them.
+// "seq " tables and a "fram" list of icon or cursor images. Parsed (through
+// CByteReader) into 32-bit ARGB frames so that the window layer can make
+// platform cursors of them.
 #pragma once
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -26,3 +28,8 @@ struct SAniCursor {
 bool ParseAniCursor(const uint8_t* data, size_t size, SAniCursor& out, std::string& error);
 // Parses one .cur or .ico image (its first entry).
 bool ParseCursorImage(const uint8_t* data, size_t size, SCursorImage& out, std::string& error);
+
+// The largest cursor file read: 1024 frames of 256 x 256 would be far more.
+constexpr size_t kAniCursorMaxBytes = 4u << 20;
+// Reads and parses an animated cursor file (host path); the error names the file.
+bool LoadAniCursor(const std::string& hostPath, SAniCursor& out, std::string& error);

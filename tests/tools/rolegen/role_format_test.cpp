@@ -10,10 +10,13 @@
 #include <iterator>
 #include <unistd.h>
 
-#include "../../tools/rolegen/role_desc.h"
+#include "common/bytes.h"
+#include "tools/rolegen/role_desc.h"
 
 namespace fs = std::filesystem;
 using namespace rolefile;
+using testbytes::Get32;
+using testbytes::Set32;
 
 namespace {
 
@@ -147,19 +150,19 @@ TEST(RoleFile, ReadingRejectsDamagedFiles) {
     bad.pop_back();  // one byte short of the last frame
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));
     bad = good;
-    Put32(bad, 0, 8078);
+    Set32(bad, 0, 8078);
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));
     EXPECT_EQ(err, "bad magic");
     bad = good;
-    Put32(bad, 24, 0x7FFFFFFF);  // absurd frame count must not overflow the size check
+    Set32(bad, 24, 0x7FFFFFFF);  // absurd frame count must not overflow the size check
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));
     bad = good;
-    Put32(bad, 28, -1);
+    Set32(bad, 28, -1);
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));
     bad = good;
-    Put32(bad, 2532 + 3188 + 3184, 33);  // fight would end one frame past the table
+    Set32(bad, 2532 + 3188 + 3184, 33);  // fight would end one frame past the table
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));
-    Put32(bad, 2532 + 3188 + 3184, 32);
+    Set32(bad, 2532 + 3188 + 3184, 32);
     EXPECT_TRUE(ParseRoleFile(bad, rf, err)) << err;
     for (int i = 0; i < 52; ++i) bad[2532 + 4 + i] = 'x';  // unterminated action name
     EXPECT_FALSE(ParseRoleFile(bad, rf, err));

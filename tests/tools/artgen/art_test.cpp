@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "media/cursor_ani.h"
+#include "media/cursor_file.h"
 #include "resources/bmp.h"
 #include "resources/ini.h"
 #include "base/gbk.h"

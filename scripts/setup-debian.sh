@@ -5,7 +5,7 @@ set -e
 PACKAGES="build-essential cmake pkg-config git
   libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
   libvorbis-dev libogg-dev fonts-wqy-microhei fonts-droid-fallback
-  libgtest-dev libgmock-dev libbenchmark-dev
+  libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev
   libjpeg-turbo-progs imagemagick xvfb xauth tiled"
 missing=""
 for p in $PACKAGES; do

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "media/graph.h"
 #include "base/debug.h"
 #include "base/log.h"
@@ -258,4 +260,23 @@ void CRole::SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment)
     m_pEquipment = equipment;
     m_pFightTarget = nullptr;
     m_nFightTargetId = -1;
+}
+
+void CRole::WriteState(StateJson& out) const {
+    out["x"] = m_x;
+    out["y"] = m_y;
+    out["direction"] = m_nDir;
+    out["state"] = StateText(m_szState, sizeof m_szState);
+    out["hp"] = m_nHp;
+    out["max_hp"] = m_nMaxHp;
+    out["mp"] = m_nMp;
+    out["max_mp"] = m_nMaxMp;
+    out["attack"] = m_nAttack;
+    out["defence"] = m_nDefence;
+    out["hit_rate"] = m_nHitRate;
+    out["level"] = m_nLevel;
+    out["exp"] = m_nExp;
+    out["next_exp"] = m_nNextExp;
+    out["money"] = m_nMoney;
+    out["moral"] = m_nMoral;
 }

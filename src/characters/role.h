@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/state_json.h"
 #include "base/types.h"
 
 class CLog;
@@ -90,6 +91,8 @@ public:
     void GetInfo(SRoleInfo& out) const;
     void SetInfo(const SRoleInfo& info, CItemPack* bag, CItemPack* equipment);
     void Stand();
+    // The dump's "hero" part: position, direction, state and the numbers.
+    void WriteState(StateJson& out) const;
 
     // Movement (movement.cpp).
     void FaceTo(double tx, double ty);

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int kPackCount = 6;
-
 // The "%d%s" cache key, built in one reused buffer: drawing a cached picture
 // every frame allocates nothing once the buffer has grown.
 const std::string& CacheKey(int pack, const char* name) {
@@ -24,19 +22,19 @@ const std::string& CacheKey(int pack, const char* name) {
     return key;
 }
 
-bool ValidCache(int cache) { return cache == 0 || cache == 1; }
+bool ValidCache(int cache) { return cache >= 0 && cache < BMP_CACHE_COUNT; }
 
 }  // namespace
 
 void CGraph::SetPackPath(int pack, const char* path) {
-    if (pack < 0 || pack >= kPackCount) return;
+    if (pack < 0 || pack >= PACK_COUNT) return;
     std::snprintf(m_szPackPath[pack], sizeof m_szPackPath[pack], "%s", path ? path : "");
     // A changed path must be opened anew even for the same pack number.
     if (pack == m_nOpenPack) m_nOpenPack = -1;
 }
 
 bool CGraph::LoadBitmapData(int pack, const char* name, int cache) {
-    if (!name || !ValidCache(cache) || pack < 0 || pack >= kPackCount) return false;
+    if (!name || !ValidCache(cache) || pack < 0 || pack >= PACK_COUNT) return false;
     if (m_cache[cache].count(CacheKey(pack, name))) return false;
     const std::string key = CacheKey(pack, name);  // a copy only for a picture read now
 

@@ -1,6 +1,6 @@
 // CGraph: the 640 x 480 16-bit display and its eight numbered surfaces, the text
 // fonts, the whole-rectangle colour effects, the message line, and (defined in
-// resources/bitmap_pack.cpp) the bitmap packs and picture caches.
+// media/bitmap_pack.cpp) the bitmap packs and picture caches.
 //
 // Surfaces: 0 primary (what is seen), 1 back buffer 640x480, 2 ground layer,
 // 3 role layer (also the bitmap staging and grey/darken scratch surface),
@@ -23,6 +23,12 @@ class CTextCache;
 
 enum ESurfaceIndex { SURF_PRIMARY = 0, SURF_BUFFER = 1, SURF_GROUND = 2, SURF_ROLE = 3, SURF_OBJECT = 4,
                      SURF_TILE = 5, SURF_OBJSHEET = 6, SURF_TEMP = 7, SURF_COUNT = 8 };
+
+// The two picture caches. BMP_CACHE_MAP holds the pictures of the current map's
+// characters, of screens and of panels, and is emptied at every map change;
+// BMP_CACHE_GAME holds the hero's frames, the tiles and the object sheet until
+// the game ends.
+enum EBitmapCache { BMP_CACHE_MAP = 0, BMP_CACHE_GAME = 1, BMP_CACHE_COUNT = 2 };
 
 // DirectDraw fast-copy flags as the callers pass them.
 constexpr uint32_t BLT_WAIT = 16;         // opaque copy

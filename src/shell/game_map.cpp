@@ -47,7 +47,7 @@ int CGame::LoadMap(const char* path) {
     for (const SMapNpc& p : placements) m_vecNpcPlacements.push_back(SNpcPlacement{p.record, p.cellX, p.cellY});
     if (m_pLog) m_pLog->Write("Load map over,start to draw map...");
     DrawTiles(m_pGraph, m_pMap, m_szIniPack, m_pLog);
-    m_pGraph->LoadBitmapToSurface(5, "obj.bmp", SURF_OBJSHEET, 0, 0, 1);
+    m_pGraph->LoadBitmapToSurface(PACK_TILES, "obj.bmp", SURF_OBJSHEET, 0, 0, BMP_CACHE_GAME);
     m_pMap->DrawObjects(m_pGraph, SURF_OBJECT, SURF_OBJSHEET, SURF_GROUND, m_pGraph->GetColorMask());
     m_pMap->GetHeader(m_mapInfo.words);
     if (m_pLog) m_pLog->Write("Draw map over!");
@@ -55,7 +55,7 @@ int CGame::LoadMap(const char* path) {
 }
 
 int CGame::EnterMap() {
-    m_pGraph->FreeBitmapCache(0);
+    m_pGraph->FreeBitmapCache(BMP_CACHE_MAP);
     char path[100];
     std::snprintf(path, sizeof path, "map\\%s", m_strTargetMap.c_str());
     if (!m_bTargetNewGame) m_pMap->Unload();
@@ -236,43 +236,4 @@ void CGame::DrawMapNameAndPosition() {
     char text[32];
     std::snprintf(text, sizeof text, "(%d,%d)", cell.x, cell.y);
     DrawOutlinedText(SURF_BUFFER, text, 565, 35, RGB(0, 0, 0), RGB(255, 227, 170), true);
-}
-
-void CGame::DumpWorldState(std::string& json) {
-    auto quote = [](const char* s) {
-        std::string out = "\"";
-        for (const unsigned char* p = reinterpret_cast<const unsigned char*>(s); *p; ++p) {
-            if (*p == '"' || *p == '\\') {
-                out += '\\';
-                out += char(*p);
-            } else if (*p < 0x20 || *p >= 0x80) {
-                char esc[8];
-                std::snprintf(esc, sizeof esc, "\\u%04x", *p);  // GBK bytes kept as code units
-                out += esc;
-            } else {
-                out += char(*p);
-            }
-        }
-        return out + "\"";
-    };
-    char fileName[21] = {0}, displayName[33] = {0};
-    std::memcpy(fileName, m_mapInfo.FileName(), 20);
-    std::memcpy(displayName, m_mapInfo.DisplayName(), 32);
-    json += ",\"map\":" + quote(fileName) + ",\"map_name\":" + quote(displayName);
-    char buf[512];
-    if (m_pRole) {
-        const CRole& r = *m_pRole;
-        std::snprintf(buf, sizeof buf,
-                      ",\"hero\":{\"x\":%d,\"y\":%d,\"direction\":%d,\"state\":%s,\"hp\":%d,\"max_hp\":%d,"
-                      "\"mp\":%d,\"max_mp\":%d,\"attack\":%d,\"defence\":%d,\"hit_rate\":%d,\"level\":%d,"
-                      "\"exp\":%d,\"next_exp\":%d,\"money\":%d,\"moral\":%d}",
-                      r.m_x, r.m_y, r.m_nDir, quote(r.GetState()).c_str(), r.m_nHp, r.m_nMaxHp, r.m_nMp, r.m_nMaxMp,
-                      r.m_nAttack, r.m_nDefence, r.m_nHitRate, r.m_nLevel, r.m_nExp, r.m_nNextExp, r.m_nMoney,
-                      r.m_nMoral);
-        json += buf;
-    } else {
-        json += ",\"hero\":null";
-    }
-    std::snprintf(buf, sizeof buf, ",\"camera\":{\"x\":%d,\"y\":%d}", m_ptCamera.x, m_ptCamera.y);
-    json += buf;
 }

@@ -41,9 +41,9 @@ int CGame::ShowCredits() {
     ini.Close();
 
     // The page is built on the ground layer, which GS_CREDITS shows.
-    int pack = 1;
+    int pack = PACK_UI;
     std::string name;
-    if (SplitPictureRef(pic.c_str(), pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_GROUND, 0, 0, 0);
+    if (SplitPictureRef(pic.c_str(), pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_GROUND, 0, 0, BMP_CACHE_MAP);
     const SFontMetrics m = m_pGraph->GetFontMetrics(18);
     const int32_t lineHeight = m.height + m.externalLeading;
     const SRect rect{0, CenteredTextTop(lineHeight, lines), SCREEN_W, SCREEN_H};
@@ -56,9 +56,9 @@ int CGame::ShowCredits() {
 }
 
 void CGame::ShowBossKey() {
-    int pack = 1;
+    int pack = PACK_UI;
     std::string name;
-    if (SplitPictureRef("ui/bosskey.bmp", pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_TEMP, 0, 0, 0);
+    if (SplitPictureRef("ui/bosskey.bmp", pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_TEMP, 0, 0, BMP_CACHE_MAP);
     m_nResumeState = m_nGameState;
     m_nGameState = GS_BOSSKEY;
     DebugOut("boss screen start!\n");

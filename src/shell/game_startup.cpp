@@ -224,15 +224,15 @@ int CGame::ReadGameIni(const char* fileName) {
     CopyField(m_szIniPack, ini.GetString("MDfile", "ini"));
     ini.Close();
     if (!ini.Open(fileName, m_szIniPack)) return 0;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < SPLASH_COUNT; ++i) {
         char section[32];
         snprintf(section, sizeof(section), "FlashWindow%d", i + 1);
         CopyField(m_szSplash[i], ini.GetString(section, "pic"));
     }
     CopyField(m_szStartMusic, ini.GetString("music", "start"));
     CopyField(m_szEndMusic, ini.GetString("music", "end"));
-    static const char* const kPackKeys[6] = {"role", "ui", "face", "items", "skill", "tiles"};
-    for (int pack = 0; pack < 6; ++pack) m_pGraph->SetPackPath(pack, ini.GetString("MDfile", kPackKeys[pack]).c_str());
+    static const char* const kPackKeys[PACK_COUNT] = {"role", "ui", "face", "items", "skill", "tiles"};
+    for (int pack = 0; pack < PACK_COUNT; ++pack) m_pGraph->SetPackPath(pack, ini.GetString("MDfile", kPackKeys[pack]).c_str());
     CopyField(m_szScriptPack, ini.GetString("MDfile", "script"));
     ini.Close();
     LoadMapRegistries();

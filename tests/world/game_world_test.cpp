@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+#include <nlohmann/json.hpp>
+
 #include "characters/role.h"
 #include "resources/vrn_writer.h"
 #include "media/graph.h"
@@ -236,14 +238,15 @@ TEST_F(GameWorld, StateDumpFields) {
     AddHero(1572, 788);
     game->m_pRole->m_nMoney = 12;
     game->m_ptCamera = SPoint{1252, 548};
-    std::string json = "{\"mode\":3";
-    game->DumpWorldState(json);
-    json += "}";
-    EXPECT_NE(json.find(",\"map\":\"main.map\",\"map_name\":\"Ash\\\"vale\""), std::string::npos) << json;
-    EXPECT_NE(json.find("\"hero\":{\"x\":1572,\"y\":788,\"direction\":5,\"state\":\"stand\",\"hp\":10,"
-                        "\"max_hp\":10,\"mp\":50,\"max_mp\":50,\"attack\":1,\"defence\":0,\"hit_rate\":30,"
-                        "\"level\":1,\"exp\":0,\"next_exp\":100,\"money\":12,\"moral\":50}"),
-              std::string::npos)
-        << json;
-    EXPECT_NE(json.find(",\"camera\":{\"x\":1252,\"y\":548}}"), std::string::npos) << json;
+    const nlohmann::json state = nlohmann::json::parse(game->DumpStateJson(), nullptr, false);
+    ASSERT_TRUE(state.is_object()) << game->DumpStateJson();
+    EXPECT_EQ(state["mode"], 3);
+    EXPECT_EQ(state["map"], "main.map");
+    EXPECT_EQ(state["map_name"], "Ash\"vale");
+    const nlohmann::json expectedHero = {{"x", 1572},     {"y", 788},      {"direction", 5}, {"state", "stand"},
+                                         {"hp", 10},      {"max_hp", 10},  {"mp", 50},       {"max_mp", 50},
+                                         {"attack", 1},   {"defence", 0},  {"hit_rate", 30}, {"level", 1},
+                                         {"exp", 0},      {"next_exp", 100}, {"money", 12},  {"moral", 50}};
+    EXPECT_EQ(state["hero"], expectedHero) << state.dump();
+    EXPECT_EQ(state["camera"], nlohmann::json({{"x", 1252}, {"y", 548}})) << state.dump();
 }

@@ -37,8 +37,8 @@ TEST(Boot, SplashPicturesLeadToTheMainMenuWithSummaryAndShot) {
         << r.out;
     EXPECT_EQ(frames, 340);
     EXPECT_GT(rss, 0);
-    std::string json = ReadFile(state);
-    EXPECT_EQ(JsonInt(json, "mode"), 2) << json;  // GS_MAINMENU
+    const nlohmann::json json = ReadState(state);
+    EXPECT_EQ(StateInt(json, "mode"), 2) << json.dump();  // GS_MAINMENU
     EXPECT_EQ(WaitForLauncherLog(log), "launcher [time=end]\n");
     std::string engineLog = ReadFile(dir / "GameEngine.log");
     EXPECT_EQ(engineLog.rfind("\t\t..::Game Log::..\r\n", 0), 0u);

@@ -26,7 +26,7 @@ std::string ReadFile(const fs::path& p) {
 }
 
 fs::path TempDir(const char* name) {
-    fs::path d = fs::temp_directory_path() / (std::string("ashen_") + name + "_" + std::to_string(getpid()));
+    fs::path d = fs::current_path() / (std::string("ashen_") + name + "_" + std::to_string(getpid()));
     fs::remove_all(d);
     fs::create_directories(d);
     return d;

@@ -27,7 +27,7 @@ TEST(Harness, FlagsAreParsedAndBadValuesRefused) {
     SHarnessOptions o;
     std::string err;
     ASSERT_TRUE(Parse({"action=play", "--headless", "--uncapped", "--frames", "120", "--shot", "7:a.png", "--shot",
-                       "90:/tmp/b:c.png", "--clock", "1299011409", "--dump-state", "s.json", "--warp",
+                       "90:shots/b:c.png", "--clock", "1299011409", "--dump-state", "s.json", "--warp",
                        "main.map:10:12", "--scale", "2"},
                       o, err))
         << err;
@@ -36,7 +36,7 @@ TEST(Harness, FlagsAreParsedAndBadValuesRefused) {
     EXPECT_EQ(o.frames, 120);
     ASSERT_EQ(o.shots.size(), 2u);
     EXPECT_EQ(o.shots[0].first, 7);
-    EXPECT_EQ(o.shots[1].second, "/tmp/b:c.png");  // only the first colon splits
+    EXPECT_EQ(o.shots[1].second, "shots/b:c.png");  // only the first colon splits
     EXPECT_EQ(o.clock, 1299011409);
     EXPECT_EQ(o.warpMap, "main.map");
     EXPECT_EQ(o.warpX, 10);
@@ -94,7 +94,7 @@ TEST(Harness, PngDumpRoundTripsPureColours) {
     px[0] = 0xF800;              // red
     px[1] = 0x07E0;              // green
     px[640 * 479 + 639] = 0xFFFF;  // white
-    std::string path = (std::filesystem::temp_directory_path() / ("ashen_png_test.png_" + std::to_string(getpid()))).string();
+    std::string path = (std::filesystem::current_path() / ("ashen_png_test.png_" + std::to_string(getpid()))).string();
     ASSERT_TRUE(WritePng565(path.c_str(), px.data(), 640, 480));
     png_image img;
     memset(&img, 0, sizeof(img));

@@ -1,7 +1,6 @@
 // The game's world step: picking characters, the hero's probe against the map
 // and the role layer, exits starting a map change, the state dump.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
@@ -9,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "../common/game_fixture.h"
 #include "characters/role.h"
 #include "resources/vrn_writer.h"
 #include "media/graph.h"
@@ -50,14 +50,12 @@ std::vector<uint8_t> HalfBmp(int w, int h) {
 
 // A game with its display surfaces, a 50 x 50 map with one exit cell and a
 // blocked cell, and roles made from a small role file.
-class GameWorld : public ::testing::Test {
+class GameWorld : public CGameTest {
 protected:
     void SetUp() override {
-        m_old = fs::current_path();
-        m_dir = fs::temp_directory_path() / ("ashen_game_world_" + std::to_string(getpid()));
-        fs::remove_all(m_dir);
-        fs::create_directories(m_dir / "data");
-        fs::current_path(m_dir);
+        CGameTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(BareGame());
+        fs::create_directories("data");
         std::vector<SRoleAction> actions(3);
         const char* names[3] = {"stand", "walk", "run"};
         for (int a = 0; a < 3; ++a) {
@@ -77,14 +75,7 @@ protected:
         ASSERT_TRUE(BuildVrnArchive({{"t\\half.bmp", HalfBmp(40, 80)}}, VRN_COMPRESS_NEVER, &pack, &error)) << error;
         std::ofstream("data/role.vrn", std::ios::binary).write(reinterpret_cast<const char*>(pack.data()),
                                                               std::streamsize(pack.size()));
-
-        game = std::make_unique<CGame>();
-        game->m_pGraph->SetPackPath(0, "data\\role.vrn");
-        const int sizes[SURF_COUNT][3] = {{640, 480, 0},   {640, 480, 0},   {3200, 1600, 0}, {3200, 1600, 1},
-                                          {3200, 1600, 1}, {640, 640, 1},   {2048, 1600, 1}, {640, 480, 1}};
-        for (int i = 0; i < SURF_COUNT; ++i)
-            game->m_pGraph->GetSurface(i)->Create(sizes[i][0], sizes[i][1], sizes[i][2] != 0);
-        game->m_pGraph->FillRect(SURF_ROLE, nullptr, KEY565);
+        game->m_pGraph->SetPackPath(PACK_ROLE, "data\\role.vrn");
 
         // Map: all crossable; cell (30, 20) blocked; cell (20, 30) an exit.
         SMapHeader h{};
@@ -108,17 +99,14 @@ protected:
         f.write(reinterpret_cast<const char*>(&h), sizeof h);
         f.write(reinterpret_cast<const char*>(cells.data()), std::streamsize(cells.size() * sizeof(SMapCell)));
         f.close();
-        game->m_pMap->SetRegistries("[count]\r\ncount=1\r\n[comment]\r\n1=To Greywood\r\n[name]\r\n1=greywood.map\r\n",
-                                    "");
-        ASSERT_TRUE(game->m_pMap->Load("map.map", nullptr));
-        game->m_pMap->GetHeader(game->m_mapInfo.words);
-        game->m_nGameState = GS_PLAY;
+        ASSERT_NO_FATAL_FAILURE(
+            UseMap("map.map", "[count]\r\ncount=1\r\n[comment]\r\n1=To Greywood\r\n[name]\r\n1=greywood.map\r\n"));
     }
     void TearDown() override {
-        game->m_vecVisibleRoles.clear();
+        if (game) game->m_vecVisibleRoles.clear();
         for (CRole* r : m_npcs) delete r;
-        game.reset();
-        fs::current_path(m_old);
+        m_npcs.clear();
+        CGameTest::TearDown();
     }
     // A role whose picture centre is at (x, y), standing.
     CRole* Role(int x, int y, int id) {
@@ -144,9 +132,7 @@ protected:
         game->m_pGraph->FillRect(SURF_ROLE, &rc, colour);
     }
 
-    std::unique_ptr<CGame> game;
     std::vector<CRole*> m_npcs;
-    fs::path m_old, m_dir;
 };
 
 SPoint Centre(int i, int j) { return SPoint{1568 + (i - j) * 32, (i + j) * 16 + 16}; }

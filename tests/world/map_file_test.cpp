@@ -57,7 +57,7 @@ struct SBuiltMap {
 };
 
 std::string TempPath(const char* name) {
-    return (std::filesystem::temp_directory_path() / (std::string("ashen_world_") + name)).string();
+    return (std::filesystem::current_path() / (std::string("ashen_world_") + name)).string();
 }
 
 std::string WriteBytes(const char* name, const std::vector<uint8_t>& bytes) {

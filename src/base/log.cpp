@@ -12,8 +12,8 @@
 
 namespace {
 
-// Writes text to a file opened in binary mode, turning every LF into CR LF as a
-// text-mode stream on the described platform does.
+// Writes text to a file opened in binary mode, turning every LF into CR LF: the
+// log's lines end in CR LF on disk.
 void WriteTextMode(FILE* f, const char* text) {
     for (const char* p = text; *p; ++p) {
         if (*p == '\n') fputc('\r', f);
@@ -78,7 +78,7 @@ void HexWord(char* out, uint32_t v) {
     }
 }
 
-// Exception codes of the described platform for the signals we catch.
+// The crash log reports a signal as the Windows exception code of the same fault.
 uint32_t CodeForSignal(int sig, int siCode) {
     switch (sig) {
         case SIGSEGV: return 0xC0000005u;  // access violation

@@ -87,7 +87,7 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
         return;
     }
     if (g_pGraph) {
-        for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(0, f.bitmap, cacheKind);
+        for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(PACK_ROLE, f.bitmap, cacheKind);
     }
     int a = FindAction("stand");
     if (a < 0) a = FindAction("walk");
@@ -134,9 +134,9 @@ void CRole::DrawFrameIndex(int frame) {
     if (!scratch || scratch->width < w || scratch->height < h) return;
     SRect area{0, 0, w, h};
     g_pGraph->FillRect(kScratch, &area, KEY565);
-    const int cache = m_nNpcId == 0 ? 1 : 0;
-    if (!g_pGraph->DrawBitmapData(0, f.bitmap, kScratch, 0, 0, cache) &&
-        !g_pGraph->LoadBitmapToSurface(0, f.bitmap, kScratch, 0, 0, cache))
+    const int cache = m_nNpcId == 0 ? BMP_CACHE_GAME : BMP_CACHE_MAP;
+    if (!g_pGraph->DrawBitmapData(PACK_ROLE, f.bitmap, kScratch, 0, 0, cache) &&
+        !g_pGraph->LoadBitmapToSurface(PACK_ROLE, f.bitmap, kScratch, 0, 0, cache))
         DebugOut("loadmdbitmap failed.\n");
     if (m_bHighlight && std::strcmp(m_szState, "die") != 0) BrightenPixels(scratch->Row(0), w, h, scratch->width);
     g_pGraph->BltClipped(m_nDrawSurface, WORLD_W, WORLD_H, kScratch, BLT_WAIT_SRCKEY, m_x - w / 2, m_y - h / 2, 0, 0,

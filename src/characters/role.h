@@ -68,7 +68,8 @@ struct SRoleInfo {
 class CRole {
 public:
     // Reads "data\" + fileName; (x, y) is the bottom-left of the first standing
-    // picture. cacheKind 1 is the hero's picture cache, 0 the NPCs'.
+    // picture. cacheKind BMP_CACHE_GAME keeps the hero's pictures, BMP_CACHE_MAP
+    // the NPCs' (media/graph.h).
     CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32_t attack, int32_t maxHp,
           int cacheKind);
     virtual int32_t GetExpReward() { return 0; }

@@ -89,9 +89,9 @@ bool CGraph::LoadBitmapToSurface(int pack, const char* name, int surf, int32_t x
 
 bool CGraph::GetBitmapSize(int pack, const char* name, int32_t* width, int32_t* height) {
     if (!name) return false;
-    LoadBitmapData(pack, name, 0);
-    auto it = m_cache[0].find(CacheKey(pack, name));
-    if (it == m_cache[0].end()) return false;
+    LoadBitmapData(pack, name, BMP_CACHE_MAP);
+    auto it = m_cache[BMP_CACHE_MAP].find(CacheKey(pack, name));
+    if (it == m_cache[BMP_CACHE_MAP].end()) return false;
     int32_t w = 0, h = 0;
     if (!BmpGetSize(it->second.data(), it->second.size(), &w, &h)) return false;
     if (width) *width = w;
@@ -100,7 +100,7 @@ bool CGraph::GetBitmapSize(int pack, const char* name, int32_t* width, int32_t* 
 }
 
 bool CGraph::DrawBitmap(int pack, const char* name, int surf, int32_t x, int32_t y) {
-    const bool drawn = LoadBitmapToSurface(pack, name, SURF_ROLE, 0, 0, 0);
+    const bool drawn = LoadBitmapToSurface(pack, name, SURF_ROLE, 0, 0, BMP_CACHE_MAP);
     int32_t w = 0, h = 0;
     const bool sized = GetBitmapSize(pack, name, &w, &h);
     if (!drawn || !sized) return false;

@@ -1,6 +1,6 @@
 // Animated cursor files (RIFF "ACON"): the "anih" header, optional "rate" and
 // "seq " tables and a "fram" list of icon or cursor images. Parsed into 32-bit
-// ARGB frames so that the window layer can make platform cursors of them.
+// ARGB frames so that the window layer can make SDL colour cursors of them.
 #pragma once
 #include <cstdint>
 #include <string>

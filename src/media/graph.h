@@ -71,7 +71,8 @@ public:
 
     // Rectangle copies. BltFast refuses (returns false, copies nothing) when the
     // source rectangle is not inside the source or the destination rectangle is
-    // not inside the destination, as the platform's fast copy does.
+    // not inside the destination, as DirectDraw's fast copy does; the callers
+    // rely on a refused copy drawing nothing at all.
     bool BltFast(int dst, int32_t x, int32_t y, int src, const SRect& srcRect, uint32_t flags);
     // Fills a rectangle (nullptr: the whole surface) with a raw pixel value;
     // clipped to the surface.
@@ -104,7 +105,7 @@ public:
 
     // ---- Bitmap packs and picture caches (resources/bitmap_pack.cpp) ----
     void SetPackPath(int pack, const char* path);
-    const char* GetPackPath(int pack) const { return (pack >= 0 && pack < 6) ? m_szPackPath[pack] : ""; }
+    const char* GetPackPath(int pack) const { return (pack >= 0 && pack < PACK_COUNT) ? m_szPackPath[pack] : ""; }
     bool LoadBitmapData(int pack, const char* name, int cache);
     bool DrawBitmapData(int pack, const char* name, int surf, int32_t x, int32_t y, int cache);
     bool LoadBitmapToSurface(int pack, const char* name, int surf, int32_t x, int32_t y, int cache);
@@ -126,8 +127,8 @@ private:
     SMessageLine m_message;
 
     // Bitmap packs.
-    char m_szPackPath[6][30] = {};
-    std::map<std::string, std::vector<uint8_t>> m_cache[2];
+    char m_szPackPath[PACK_COUNT][30] = {};
+    std::map<std::string, std::vector<uint8_t>> m_cache[BMP_CACHE_COUNT];
     std::unique_ptr<CVRN_File> m_pPackReader;
     int m_nOpenPack = -1;
     int m_nPackOpens = 0;

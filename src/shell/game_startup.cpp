@@ -74,7 +74,8 @@ CGame::CGame() {
 }
 
 CGame::~CGame() {
-    // 1-2. Desktop depth and font table: nothing to restore on this platform.
+    // 1-2. The desktop's colour depth is never changed and the font is never
+    // added to the system's font table, so neither needs restoring.
     // 3. The hover sound belongs to the button class; the mouse device.
     PublishButtonGlobals(nullptr);
     if (m_pMouse) m_pMouse->ReleaseMouse();

@@ -79,6 +79,8 @@ enum EPicturePack : int {
     PACK_TILES = 5,
     PACK_COUNT = 6,
 };
+// The game.ini keys of the packs, by number.
+inline constexpr const char* PACK_KEYS[PACK_COUNT] = {"role", "ui", "face", "items", "skill", "tiles"};
 
 // Screen dimensions of the game in game pixels, and of the map world.
 constexpr int SCREEN_W = 640, SCREEN_H = 480;

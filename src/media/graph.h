@@ -10,6 +10,7 @@
 #pragma once
 #include <cstdint>
 #include <map>
+#include <set>
 #include <memory>
 #include <string>
 #include <vector>
@@ -103,7 +104,9 @@ public:
     // Shows the back buffer (and hands it to the frame recorder for --shot).
     void Present();
 
-    // ---- Bitmap packs and picture caches (resources/bitmap_pack.cpp) ----
+    // ---- Bitmap packs and picture caches (media/bitmap_pack.cpp) ----
+    // A pack that cannot be opened, a missing picture and a damaged picture are
+    // each reported once (per pack, per name), not every time they are asked for.
     void SetPackPath(int pack, const char* path);
     const char* GetPackPath(int pack) const { return (pack >= 0 && pack < PACK_COUNT) ? m_szPackPath[pack] : ""; }
     bool LoadBitmapData(int pack, const char* name, int cache);
@@ -132,6 +135,10 @@ private:
     std::unique_ptr<CVRN_File> m_pPackReader;
     int m_nOpenPack = -1;
     int m_nPackOpens = 0;
+    bool m_bPackFailed[PACK_COUNT] = {};    // its archive could not be opened: not tried again
+    std::set<std::string> m_missingPictures;  // cache keys of pictures no pack holds
+    std::set<std::string> m_badPictures;      // cache keys of pictures that did not decode
+    void LogPictureLine(const char* line);
 };
 
 // The display, for code that has no game pointer.

@@ -22,6 +22,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -52,12 +53,20 @@ struct SItemInfo;
 struct SSkillInfo;
 template <class T> class TCDataBase;
 
+// One replayed input event.
+struct SReplayEvent {
+    int64_t frame = 0;
+    enum EKind { MOVE, LDOWN, LUP, RDOWN, RUP, KEY, QUIT } kind = MOVE;
+    int32_t x = 0, y = 0;  // cursor, or the key code for KEY
+};
+
 // The harness options (--headless, --uncapped, ...), read by main.
 struct SHarnessOptions {
     bool headless = false;
     bool uncapped = false;
     int64_t frames = -1;         // quit after this many frames (-1: never)
     std::string replayFile;
+    std::vector<SReplayEvent> replay;  // the replay file's events, read before the game starts
     std::vector<std::pair<int64_t, std::string>> shots;  // frame, PNG path
     int64_t clock = -1;          // fixed calendar start (UNIX seconds)
     std::string dumpState;       // JSON file written at exit
@@ -140,6 +149,7 @@ public:
     void UpdateRoles();        // step 5 of the playing frame
     bool PlayFrame();          // GS_PLAY; false when the frame ended early (mode left, fade-in started)
     void DrawMapNameAndPosition();
+    bool PositionLabel(char* text, size_t size) const;  // "(%d,%d)": PointToCell of the hero
     void UpdateWorldHover();
     int FindNpcAt(int32_t x, int32_t y, int flag);
 
@@ -194,6 +204,12 @@ public:
     bool HarnessInjectInput();    // replayed events of the next frame; true when some were queued
     void HarnessAfterFrame();     // frame count, --shot pictures, --frames limit
     void HarnessStop();           // after the loop: frees the replay state
+    // The first thing the harness could not do during the run (a shot that could
+    // not be written); empty when all went well.
+    const std::string& HarnessError() const { return m_strHarnessError; }
+    void SetHarnessError(const std::string& error) {
+        if (m_strHarnessError.empty()) m_strHarnessError = error;
+    }
 
     // ---- accessors used across subsystems ----
     CGraph* Graph() { return m_pGraph; }
@@ -227,6 +243,7 @@ public:
     char m_szCreditMusic[30] = {0};
     char m_szEndMusic[30] = {0};
     char m_szCurrentDir[256] = {0};
+    std::set<std::string> m_setUnreadableIni;  // entries of the ini archive that cannot be read
 
     int32_t e_killCount = 0;
     CSound* m_pSound = nullptr;            // the effect sound
@@ -282,6 +299,7 @@ public:
     uint32_t m_nLastFrameTick = 0;
     int64_t m_nFrameCount = 0;
     SHarnessOptions m_harness;
+    std::string m_strHarnessError;
     struct SReplayState;
     SReplayState* m_pReplay = nullptr;
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
 #include <nlohmann/json.hpp>
 
@@ -29,17 +27,10 @@ struct CGame::SReplayState {
 void CGame::HarnessStart() {
     if (!m_pReplay) m_pReplay = new SReplayState();
     SReplayState& r = *m_pReplay;
-    if (!m_harness.replayFile.empty()) {
-        std::ifstream in(m_harness.replayFile, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        std::string error;
-        if (!in.good() && !in.eof()) error = "cannot read " + m_harness.replayFile;
-        if (error.empty() && !ParseReplay(text.str(), r.events, error)) r.events.clear();
-        if (!error.empty()) fprintf(stderr, "ashen-oath: %s\n", error.c_str());
-        std::stable_sort(r.events.begin(), r.events.end(),
-                         [](const SReplayEvent& a, const SReplayEvent& b) { return a.frame < b.frame; });
-    }
+    // The replay file was read and checked before the game started (main).
+    r.events = m_harness.replay;
+    std::stable_sort(r.events.begin(), r.events.end(),
+                     [](const SReplayEvent& a, const SReplayEvent& b) { return a.frame < b.frame; });
     if (!m_harness.shots.empty()) {
         r.keepFrames = true;
         r.lastPresented.assign(size_t(SCREEN_W) * SCREEN_H, 0);
@@ -81,7 +72,8 @@ void CGame::HarnessAfterFrame() {
     SReplayState& r = *m_pReplay;
     if (r.keepFrames) {
         for (const auto& shot : m_harness.shots)
-            if (shot.first == frame) WritePng565(shot.second.c_str(), r.lastPresented.data(), SCREEN_W, SCREEN_H);
+            if (shot.first == frame && !WritePng565(shot.second.c_str(), r.lastPresented.data(), SCREEN_W, SCREEN_H))
+                SetHarnessError("cannot write the shot " + shot.second);
     }
     if (m_harness.frames >= 0 && m_nFrameCount == m_harness.frames) platform::PostMessage(WM_CLOSE, 0, 0);
 }
@@ -100,6 +92,8 @@ void CGame::WriteState(StateJson& out) const {
     out["music_started"] = m_bMusicStarted;
     out["kill_count"] = e_killCount;
     out["rain"] = e_brain;
+    char label[32];
+    if (PositionLabel(label, sizeof label)) out["position_label"] = label;
 }
 
 std::string CGame::DumpStateJson() {

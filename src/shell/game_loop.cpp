@@ -14,6 +14,7 @@
 #include "base/debug.h"
 #include "shell/game.h"
 #include "shell/game_modes.h"
+#include "shell/harness.h"
 
 namespace {
 CGame* g_pWindowGame = nullptr;  // the game pointer handed over by UM_SETGAME
@@ -64,6 +65,7 @@ int CGame::Run() {
 }
 
 bool CGame::RunOnce(int& quitCode) {
+    if (TakeQuitSignal()) platform::PostMessage(WM_CLOSE, 0, 0);  // SIGTERM, SIGINT: as a closed window
     PollMediaEvents();
     SMsg msg;
     if (platform::PeekMessage(msg)) {

@@ -2,6 +2,7 @@
 // world part of the playing frame.
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "characters/role.h"
 #include "media/graph.h"
@@ -71,16 +72,18 @@ int CGame::EnterMap() {
     }
     const SPoint pt = m_pMap->GetCellPoint(cx, cy);
     if (m_bTargetNewGame || !m_pRole) {
-        FILE* check = std::fopen(HostPath("data\\role.pmg").c_str(), "rb");
-        if (!check) {
+        // A hero file that is missing, damaged or without a standing picture
+        // would give an invisible hero: the game ends with its message instead.
+        auto hero = std::make_unique<CRole>("role.pmg", "hadrin", pt.x, pt.y + 32, 10, 100, BMP_CACHE_GAME);
+        if (!hero->HasActions() || hero->FindAction("stand") < 0) {
+            if (m_pLog) m_pLog->Write("data\\role.pmg is missing or damaged: no hero");
             MessageBox("Initializing role failed!", "Error", MB_NOICON);
             platform::DestroyMainWindow();
             return 0;
         }
-        std::fclose(check);
         m_vecVisibleRoles.clear();
         delete m_pRole;
-        m_pRole = new CRole("role.pmg", "hadrin", pt.x, pt.y + 32, 10, 100, 1);
+        m_pRole = hero.release();
         m_pRole->SetDirection(m_nTargetFacing);
         // The HUD and pack panel layouts, missions and story records of a new
         // game are set up by their own subsystems.
@@ -231,9 +234,16 @@ bool CGame::PlayFrame() {
 
 void CGame::DrawMapNameAndPosition() {
     DrawOutlinedText(SURF_BUFFER, m_mapInfo.DisplayName(), 565, 20, RGB(0, 0, 0), RGB(255, 227, 170), true);
-    if (!m_pRole) return;
-    const SPoint cell = m_pMap->PointToCell(m_pRole->m_x, m_pRole->m_y);
     char text[32];
-    std::snprintf(text, sizeof text, "(%d,%d)", cell.x, cell.y);
+    if (!PositionLabel(text, sizeof text)) return;
     DrawOutlinedText(SURF_BUFFER, text, 565, 35, RGB(0, 0, 0), RGB(255, 227, 170), true);
+}
+
+bool CGame::PositionLabel(char* text, size_t size) const {
+    if (!m_pRole || !m_pMap || size == 0) return false;
+    // The cell under the hero's position, the centre of its picture: for a
+    // hero standing on a cell that is the cell diagonally above it.
+    const SPoint cell = m_pMap->PointToCell(m_pRole->m_x, m_pRole->m_y);
+    std::snprintf(text, size, "(%d,%d)", cell.x, cell.y);
+    return true;
 }

@@ -75,10 +75,14 @@ void CGame::PublishButtonGlobals(CSound* hoverSound) {
 }
 
 int CGame::LoadPanels() {
-    if (!m_pMenuPanel || !m_pMenuPanel->Load("menu.ini", m_szIniPack)) return 0;
-    if (!m_pMainMenuPanel || !m_pMainMenuPanel->Load("mainmenu.ini", m_szIniPack)) return 0;
-    if (!m_pDlgPanel || !m_pDlgPanel->Load("dlg.ini", m_szIniPack)) return 0;
-    if (!m_pSavePanel || !m_pSavePanel->Load("savepanel.ini", m_szIniPack)) return 0;
+    // A layout whose archive entry cannot be read (reported by ReadGameIni)
+    // fails like a missing one instead of giving an empty panel.
+    auto readable = [this](const char* name) { return m_setUnreadableIni.count(name) == 0; };
+    if (!m_pMenuPanel || !readable("menu.ini") || !m_pMenuPanel->Load("menu.ini", m_szIniPack)) return 0;
+    if (!m_pMainMenuPanel || !readable("mainmenu.ini") || !m_pMainMenuPanel->Load("mainmenu.ini", m_szIniPack))
+        return 0;
+    if (!m_pDlgPanel || !readable("dlg.ini") || !m_pDlgPanel->Load("dlg.ini", m_szIniPack)) return 0;
+    if (!m_pSavePanel || !readable("savepanel.ini") || !m_pSavePanel->Load("savepanel.ini", m_szIniPack)) return 0;
     return 1;
 }
 

@@ -1,32 +1,53 @@
+// The automation harness outside the loop: flags, harness files, the game
+// folder, the launcher, quit signals, the run summary and the exit code.
 #include "shell/harness.h"
 
+#include <fcntl.h>
 #include <spawn.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <sstream>
 
-#include "resources/png_file.h"
 #include "base/clock.h"
+#include "base/paths.h"
+#include "resources/png_file.h"
+#include "world/map.h"
 
 extern char** environ;
 
 namespace {
 
+// A decimal integer: an optional '-' and digits only, within the 64-bit range.
 bool ParseInt64(const char* s, int64_t& out) {
     if (!s || !*s) return false;
+    const char* digits = *s == '-' ? s + 1 : s;
+    if (!*digits) return false;
+    for (const char* p = digits; *p; ++p)
+        if (*p < '0' || *p > '9') return false;
+    errno = 0;
     char* end = nullptr;
-    long long v = strtoll(s, &end, 10);
-    if (*end) return false;
+    const long long v = strtoll(s, &end, 10);
+    if (errno == ERANGE || *end) return false;
     out = v;
     return true;
 }
+
+const char* const kValueFlags[] = {"--frames", "--replay", "--shot", "--clock", "--dump-state", "--warp", "--scale"};
+
+volatile sig_atomic_t g_quitSignal = 0;
+
+void OnQuitSignal(int) { g_quitSignal = 1; }
 
 }  // namespace
 
@@ -46,8 +67,8 @@ bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::strin
             out.uncapped = true;
         } else if (a == "--frames") {
             const char* v = next("--frames");
-            if (!v || !ParseInt64(v, out.frames) || out.frames < 0) {
-                if (error.empty()) error = "--frames needs a non-negative number";
+            if (!v || !ParseInt64(v, out.frames) || out.frames < 1) {
+                if (error.empty()) error = "--frames needs a number of frames from 1 on";
                 return false;
             }
         } else if (a == "--replay") {
@@ -59,14 +80,14 @@ bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::strin
             if (!v) return false;
             const char* colon = strchr(v, ':');
             int64_t frame = 0;
-            if (!colon || !ParseInt64(std::string(v, colon).c_str(), frame) || !colon[1]) {
+            if (!colon || !ParseInt64(std::string(v, colon).c_str(), frame) || frame < 0 || !colon[1]) {
                 error = "--shot needs FRAME:FILE.png";
                 return false;
             }
             out.shots.emplace_back(frame, colon + 1);
         } else if (a == "--clock") {
             const char* v = next("--clock");
-            if (!v || !ParseInt64(v, out.clock)) {
+            if (!v || !ParseInt64(v, out.clock) || out.clock < 0) {
                 if (error.empty()) error = "--clock needs UNIX seconds";
                 return false;
             }
@@ -88,6 +109,10 @@ bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::strin
                     error = "--warp needs MAP or MAP:X:Y";
                     return false;
                 }
+                if (x < 0 || y < 0 || x > INT32_MAX || y > INT32_MAX) {
+                    error = "--warp " + s + ": the cell is outside the map";
+                    return false;
+                }
                 out.warpX = int32_t(x);
                 out.warpY = int32_t(y);
             }
@@ -103,6 +128,13 @@ bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::strin
                 return false;
             }
             out.scale = int(s);
+        } else if (!a.empty() && a[0] == '-') {
+            error = "unknown flag " + a;
+            const size_t eq = a.find('=');
+            for (const char* flag : kValueFlags)
+                if (eq != std::string::npos && a.compare(0, eq, flag) == 0)
+                    error += " (write " + a.substr(0, eq) + " " + a.substr(eq + 1) + ")";
+            return false;
         }
     }
     return true;
@@ -111,6 +143,152 @@ bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::strin
 void ApplyHarnessClock(const SHarnessOptions& options) {
     if (options.clock >= 0) clock_control::SetCalendarStart(options.clock);
     if (options.uncapped) clock_control::SetVirtualTicks(true);
+}
+
+void MakeHarnessPathsAbsolute(SHarnessOptions& options) {
+    namespace fs = std::filesystem;
+    auto absolute = [](std::string& path) {
+        std::error_code ec;
+        if (!path.empty() && fs::path(path).is_relative()) {
+            const fs::path full = fs::absolute(path, ec);
+            if (!ec) path = full.string();
+        }
+    };
+    absolute(options.replayFile);
+    absolute(options.dumpState);
+    for (auto& shot : options.shots) absolute(shot.second);
+}
+
+bool ReadBoundedFile(const std::string& path, size_t maxBytes, std::string& out, std::string& error) {
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0) {
+        error = "cannot read " + path + ": " + strerror(errno);
+        return false;
+    }
+    // A FIFO would block the open and a device may never end: only plain files.
+    if (!S_ISREG(st.st_mode)) {
+        error = path + " is not a regular file";
+        return false;
+    }
+    if (uint64_t(st.st_size) > maxBytes) {
+        error = path + " is larger than " + std::to_string(maxBytes) + " bytes";
+        return false;
+    }
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0) {
+        error = "cannot read " + path + ": " + strerror(errno);
+        return false;
+    }
+    bool ok = fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+    if (!ok) error = path + " is not a regular file";
+    out.clear();
+    char buf[65536];
+    while (ok) {
+        const ssize_t n = read(fd, buf, sizeof buf);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) {
+            error = "cannot read " + path + ": " + strerror(errno);
+            ok = false;
+        } else if (n == 0) {
+            break;
+        } else if (out.size() + size_t(n) > maxBytes) {
+            error = path + " is larger than " + std::to_string(maxBytes) + " bytes";
+            ok = false;
+        } else {
+            out.append(buf, size_t(n));
+        }
+    }
+    close(fd);
+    return ok;
+}
+
+bool CheckWritablePath(const std::string& path, std::string& error) {
+    namespace fs = std::filesystem;
+    if (path.empty()) {
+        error = "an empty file name";
+        return false;
+    }
+    struct stat st;
+    if (stat(path.c_str(), &st) == 0) {
+        if (!S_ISREG(st.st_mode)) {
+            error = path + " is not a regular file";
+            return false;
+        }
+        if (access(path.c_str(), W_OK) != 0) {
+            error = "cannot write " + path + ": " + strerror(errno);
+            return false;
+        }
+        return true;
+    }
+    if (errno != ENOENT) {
+        error = "cannot write " + path + ": " + strerror(errno);
+        return false;
+    }
+    std::string folder = fs::path(path).parent_path().string();
+    if (folder.empty()) folder = ".";
+    if (stat(folder.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {
+        error = "cannot write " + path + ": the folder " + folder + " does not exist";
+        return false;
+    }
+    if (access(folder.c_str(), W_OK) != 0) {
+        error = "cannot write " + path + ": " + strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+bool PrepareHarnessFiles(SHarnessOptions& options, std::string& error) {
+    if (!options.replayFile.empty()) {
+        std::string text;
+        if (!ReadBoundedFile(options.replayFile, REPLAY_MAX_BYTES, text, error)) {
+            error = "--replay: " + error;
+            return false;
+        }
+        options.replay.clear();
+        if (!ParseReplay(text, options.replay, error)) {
+            error = options.replayFile + ": " + error;
+            return false;
+        }
+    }
+    for (const auto& shot : options.shots) {
+        if (!CheckWritablePath(shot.second, error)) {
+            error = "--shot: " + error;
+            return false;
+        }
+    }
+    if (!options.dumpState.empty() && !CheckWritablePath(options.dumpState, error)) {
+        error = "--dump-state: " + error;
+        return false;
+    }
+    if (!options.warpMap.empty() && options.warpX >= 0) {
+        // A map that does not load is the game's own failure ("Initializing map
+        // failed!"); a cell outside a map that loads is refused here.
+        CMap map;
+        if (map.Load(HostPath("map\\" + options.warpMap).c_str(), nullptr) &&
+            (options.warpX >= map.Size() || options.warpY >= map.Size())) {
+            error = "--warp " + options.warpMap + ":" + std::to_string(options.warpX) + ":" +
+                    std::to_string(options.warpY) + ": the cell is outside the " + std::to_string(map.Size()) + " x " +
+                    std::to_string(map.Size()) + " map";
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string ExecutableFolder() {
+    char exe[4096];
+    const ssize_t n = readlink("/proc/self/exe", exe, sizeof exe - 1);
+    if (n <= 0) return "";
+    exe[n] = 0;
+    return std::filesystem::path(exe).parent_path().string();
+}
+
+std::string EnterGameFolder() {
+    if (access("game.ini", F_OK) == 0) return "";
+    const std::string folder = ExecutableFolder();
+    if (folder.empty() || access((folder + "/game.ini").c_str(), F_OK) != 0) return "";
+    if (chdir(folder.c_str()) != 0) return "";
+    return folder;
 }
 
 void StartLauncher(const char* parameters) {
@@ -127,14 +305,41 @@ void StartLauncher(const char* parameters) {
     signal(SIGCHLD, SIG_IGN);
 }
 
-void FinishHarness(CGame& game, std::chrono::steady_clock::time_point wallStart) {
+void InstallQuitSignals() {
+    struct sigaction sa;
+    memset(&sa, 0, sizeof sa);
+    sa.sa_handler = OnQuitSignal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    sigaction(SIGTERM, &sa, nullptr);
+    sigaction(SIGINT, &sa, nullptr);
+}
+
+bool TakeQuitSignal() {
+    if (!g_quitSignal) return false;
+    g_quitSignal = 0;
+    return true;
+}
+
+int FinishHarness(CGame& game, bool started, std::chrono::steady_clock::time_point wallStart) {
     const SHarnessOptions& o = game.Harness();
+    std::string error = game.HarnessError();
     if (!o.dumpState.empty()) {
+        bool written = false;
         if (FILE* f = fopen(o.dumpState.c_str(), "wb")) {
-            std::string json = game.DumpStateJson();
-            fwrite(json.data(), 1, json.size(), f);
-            fclose(f);
+            const std::string json = game.DumpStateJson();
+            written = fwrite(json.data(), 1, json.size(), f) == json.size();
+            written = fclose(f) == 0 && written;
         }
+        if (!written && error.empty()) error = "cannot write the state dump " + o.dumpState + ": " + strerror(errno);
+    }
+    if (started && error.empty()) {
+        for (const auto& shot : o.shots)
+            if (shot.first >= game.FrameCount()) {
+                error = "the shot of frame " + std::to_string(shot.first) + " (" + shot.second +
+                        ") was not taken: the run ended after " + std::to_string(game.FrameCount()) + " frames";
+                break;
+            }
     }
     if (o.frames >= 0) {
         auto wall = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - wallStart);
@@ -146,6 +351,15 @@ void FinishHarness(CGame& game, std::chrono::steady_clock::time_point wallStart)
                (long long)wall.count(), cpuMs, ru.ru_maxrss);
         fflush(stdout);
     }
+    if (!error.empty()) {
+        fprintf(stderr, "ashen-oath: %s\n", error.c_str());
+        return EXIT_HARNESS_ERROR;
+    }
+    if (o.frames < 0 || !started) return EXIT_GAME;
+    if (game.FrameCount() >= o.frames) return EXIT_HARNESS_DONE;
+    fprintf(stderr, "ashen-oath: the game ended after %lld of %lld frames\n", (long long)game.FrameCount(),
+            (long long)o.frames);
+    return EXIT_GAME;
 }
 
 bool ParseReplay(const std::string& text, std::vector<SReplayEvent>& out, std::string& error) {

@@ -2,6 +2,7 @@
 // frame, on the real game data.
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstring>
 #include <string>
 
@@ -10,6 +11,7 @@
 #include "media/graph.h"
 #include "media/window.h"
 #include "shell/game.h"
+#include "shell/harness.h"
 
 using GameLoop = CGameTest;
 
@@ -140,4 +142,20 @@ TEST_F(GameLoop, MissingSplashPictureIsPassedOver) {
     game.UpdateFrame();
     EXPECT_EQ(game.m_nGameState, GS_SPLASH);
     EXPECT_EQ(game.m_nSplashCounter, 1);
+}
+
+TEST_F(GameLoop, QuitSignalEndsTheLoopAsAClosedWindowDoes) {
+    ASSERT_NO_FATAL_FAILURE(StartGame(false));
+    ASSERT_TRUE(platform::CreateMainWindow(true, &CGame::WindowProc));
+    platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(game.get()), 0);
+    InstallQuitSignals();
+    std::raise(SIGTERM);
+    int code = -1, passes = 0;
+    while (game->RunOnce(code) && passes < 100) ++passes;
+    EXPECT_LT(passes, 100);
+    EXPECT_EQ(code, 0);  // WM_CLOSE, WM_DESTROY, then the quit message
+    EXPECT_FALSE(platform::HasMainWindow());
+    std::signal(SIGTERM, SIG_DFL);
+    std::signal(SIGINT, SIG_DFL);
+    platform::SendMessage(UM_SETGAME, 0, 0);
 }

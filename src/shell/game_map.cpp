@@ -242,7 +242,8 @@ void CGame::DrawMapNameAndPosition() {
 bool CGame::PositionLabel(char* text, size_t size) const {
     if (!m_pRole || !m_pMap || size == 0) return false;
     // The cell under the hero's position, the centre of its picture: for a
-    // hero standing on a cell that is the cell diagonally above it.
+    // hero a new game stood on a cell, the cell diagonally above it
+    // (content/maps/README.md).
     const SPoint cell = m_pMap->PointToCell(m_pRole->m_x, m_pRole->m_y);
     std::snprintf(text, size, "(%d,%d)", cell.x, cell.y);
     return true;

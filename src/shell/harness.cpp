@@ -24,7 +24,17 @@ namespace {
 
 volatile sig_atomic_t g_quitSignal = 0;
 
-void OnQuitSignal(int) { g_quitSignal = 1; }
+// The first signal asks the loop to close the game. A second one before the loop
+// took the first (the game is stuck, say in a modal message box) ends the
+// process the default way.
+void OnQuitSignal(int sig) {
+    if (g_quitSignal) {
+        signal(sig, SIG_DFL);
+        raise(sig);
+        return;
+    }
+    g_quitSignal = 1;
+}
 
 }  // namespace
 

@@ -59,7 +59,8 @@ std::string ExecutableFolder();
 void StartLauncher(const char* parameters);
 
 // SIGTERM and SIGINT end the game as a closed window does: the handlers only
-// raise a flag, which the loop takes and turns into WM_CLOSE.
+// raise a flag, which the loop takes and turns into WM_CLOSE. A second signal
+// while the first is still waiting ends the process at once.
 void InstallQuitSignals();
 bool TakeQuitSignal();
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <png.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -218,4 +219,18 @@ TEST(Harness, QuitSignalsOnlyRaiseAFlag) {
     EXPECT_TRUE(TakeQuitSignal());
     std::signal(SIGTERM, SIG_DFL);
     std::signal(SIGINT, SIG_DFL);
+
+    // A game that does not take the first signal (stuck) ends on the second.
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        InstallQuitSignals();
+        std::raise(SIGTERM);
+        std::raise(SIGTERM);
+        _exit(0);  // not reached
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
 }

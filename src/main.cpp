@@ -36,6 +36,7 @@ int main(int argc, char** argv) {
         return EXIT_HARNESS_ERROR;
     }
     InstallCrashLog();
+    InstallQuitSignals();
     ApplyHarnessClock(options);
 
     auto wallStart = std::chrono::steady_clock::now();
@@ -44,7 +45,6 @@ int main(int argc, char** argv) {
     platformOptions.scale = options.scale;
     if (!platform::Init(platformOptions)) return EXIT_GAME;
     atexit(platform::Shutdown);  // after the game object is destroyed
-    InstallQuitSignals();
 
     // The one game object lives until the process exits.
     static CGame game;

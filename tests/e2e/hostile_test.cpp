@@ -45,6 +45,13 @@ void Replace(const fs::path& file, const std::string& bytes) {
 
 const char* const kWarp = "action=play --headless --uncapped --warp main.map ";
 
+// Shell commands that wait (at most 30 seconds) until the game in dir has started
+// up and runs its loop: its engine log has the mouse line of Init.
+std::string WaitForStart(const fs::path& dir) {
+    return "for i in $(seq 150); do grep -qa 'Mouse...OK' '" + (dir / "GameEngine.log").string() +
+           "' 2>/dev/null && break; sleep 0.2; done; sleep 0.3; ";
+}
+
 }  // namespace
 
 TEST(Hostile, DamagedHeroFileEndsTheGameWithTheRoleMessage) {
@@ -223,8 +230,9 @@ TEST(GameFolder, GameAndLauncherStartedFromElsewhereFindTheirFolder) {
     // (a plain run, ended by SIGTERM) starts the launcher again at its end.
     fs::remove(dir / "GameEngine.log");
     const fs::path log = here / "launcher.log";
-    cmd = "cd '" + here.string() + "' && PATH='" + dir.string() + "':\"$PATH\" ASHEN_LAUNCHER_LOG='" + log.string() +
-          "' SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy timeout -s TERM 3 launcher >out.txt 2>err.txt";
+    cmd = "cd '" + here.string() + "' && (PATH='" + dir.string() + "':\"$PATH\" ASHEN_LAUNCHER_LOG='" + log.string() +
+          "' SDL_VIDEODRIVER=dummy SDL_AUDIODRIVER=dummy launcher >out.txt 2>err.txt & pid=$!; " + WaitForStart(dir) +
+          "kill -TERM $pid; wait $pid)";
     status = std::system(cmd.c_str());
     (void)status;
     const std::string calls = WaitForLauncherLog(log);
@@ -243,7 +251,7 @@ TEST(QuitSignal, TermAndIntEndThePlainGameThroughItsQuitPath) {
         // still ends on it. A guard kills it for good after 20 seconds.
         const std::string cmd = "cd '" + dir.string() + "' && (ASHEN_LAUNCHER_LOG='" + log.string() +
                                 "' ./ashen-oath action=play --headless --dump-state s.json >out.txt 2>err.txt & "
-                                "pid=$!; sleep 2; kill -" + sig + " $pid; "
+                                "pid=$!; " + WaitForStart(dir) + "kill -" + sig + " $pid; "
                                 "(sleep 20; kill -9 $pid) >/dev/null 2>&1 </dev/null & guard=$!; "
                                 "wait $pid; echo $? >rc.txt; kill $guard 2>/dev/null)";
         std::system(cmd.c_str());

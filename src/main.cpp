@@ -1,19 +1,15 @@
-// The process entry: the launcher hand-shake, the crash log, the one game object,
-// its start-up and loop, and the harness summary.
-#include <sys/resource.h>
-#include <unistd.h>
-
+// The process entry: the game folder, the launcher hand-shake, the harness flags
+// and files, the crash log, the one game object, its start-up and loop, and the
+// harness summary and exit code.
 #include <chrono>
 #include <cstdio>
-#include <cstring>
-#include <ctime>
 #include <string>
 
+#include "base/log.h"
+#include "base/message_box.h"
 #include "media/window.h"
 #include "shell/game.h"
 #include "shell/harness.h"
-#include "base/log.h"
-#include "base/message_box.h"
 
 int main(int argc, char** argv) {
     std::string commandLine;
@@ -21,37 +17,44 @@ int main(int argc, char** argv) {
         if (i > 1) commandLine += ' ';
         commandLine += argv[i];
     }
-    if (commandLine.find("action=play") == std::string::npos) {
+    SHarnessOptions options;
+    std::string error;
+    const bool play = commandLine.find("action=play") != std::string::npos;
+    if (play && !ParseHarnessOptions(argc, argv, options, error)) {
+        fprintf(stderr, "ashen-oath: %s\n", error.c_str());
+        return EXIT_HARNESS_ERROR;
+    }
+    // Paths given on the command line are taken from where the game was started.
+    MakeHarnessPathsAbsolute(options);
+    EnterGameFolder();
+    if (!play) {
         StartLauncher("");
         return 0;
     }
-
-    SHarnessOptions options;
-    std::string error;
-    if (!ParseHarnessOptions(argc, argv, options, error)) {
+    if (!PrepareHarnessFiles(options, error)) {
         fprintf(stderr, "ashen-oath: %s\n", error.c_str());
-        return 2;
+        return EXIT_HARNESS_ERROR;
     }
     InstallCrashLog();
+    InstallQuitSignals();
     ApplyHarnessClock(options);
 
     auto wallStart = std::chrono::steady_clock::now();
     platform::SOptions platformOptions;
     platformOptions.headless = options.headless;
     platformOptions.scale = options.scale;
-    if (!platform::Init(platformOptions)) return 1;
+    if (!platform::Init(platformOptions)) return EXIT_GAME;
     atexit(platform::Shutdown);  // after the game object is destroyed
 
     // The one game object lives until the process exits.
     static CGame game;
     game.SetHarness(options);
-    int code = 1;
-    if (game.Init(1)) {
+    const bool started = game.Init(1) != 0;
+    if (started) {
         game.Run();
     } else {
         MessageBox("Initialize application failed.", "Error", MB_ICONERROR);
     }
     StartLauncher("time=end");
-    FinishHarness(game, wallStart);
-    return code;
+    return FinishHarness(game, started, wallStart);
 }

@@ -1,5 +1,6 @@
 #include "base/log.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -12,8 +13,8 @@
 
 namespace {
 
-// Writes text to a file opened in binary mode, turning every LF into CR LF as a
-// text-mode stream on the described platform does.
+// Writes text to a file opened in binary mode, turning every LF into CR LF: the
+// log's lines end in CR LF on disk.
 void WriteTextMode(FILE* f, const char* text) {
     for (const char* p = text; *p; ++p) {
         if (*p == '\n') fputc('\r', f);
@@ -31,6 +32,11 @@ CLog::CLog(const char* path, bool truncate) {
         if (f) {
             WriteTextMode(f, "\t\t..::Game Log::..\n");
             fclose(f);
+        } else {
+            // The log is the one place the engine tells what went wrong; when it
+            // cannot be written (a read-only game folder), say so where it is seen.
+            fprintf(stderr, "ashen-oath: cannot write the engine log %s (%s): nothing will be logged\n", m_szPath,
+                    strerror(errno));
         }
     }
 }
@@ -60,6 +66,22 @@ void CLog::WriteV(const char* format, va_list args) {
     fclose(f);
 }
 
+#if defined(__SANITIZE_ADDRESS__)
+#define ASHEN_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(undefined_behavior_sanitizer)
+#define ASHEN_SANITIZED 1
+#endif
+#endif
+
+bool CrashLogSanitized() {
+#ifdef ASHEN_SANITIZED
+    return true;
+#else
+    return false;
+#endif
+}
+
 // ---------------------------------------------------------------------------
 // Crash log. Everything below runs inside a signal handler: no allocation, no
 // stdio, only open/write/close and a hand-made hexadecimal formatter.
@@ -78,7 +100,7 @@ void HexWord(char* out, uint32_t v) {
     }
 }
 
-// Exception codes of the described platform for the signals we catch.
+// The crash log reports a signal as the Windows exception code of the same fault.
 uint32_t CodeForSignal(int sig, int siCode) {
     switch (sig) {
         case SIGSEGV: return 0xC0000005u;  // access violation
@@ -131,6 +153,9 @@ void PrepareLabel(char* dst, size_t& len, const char* utf8) {
 }  // namespace
 
 void InstallCrashLog() {
+    // A sanitised build keeps the sanitizer's own handlers: its report says far
+    // more about a wild access than the crash log can.
+    if (CrashLogSanitized()) return;
     PrepareLabel(g_crashLine1, g_crashLen1, "异常发生代码");
     PrepareLabel(g_crashLine2, g_crashLen2, "异常发生地址");
     PrepareLabel(g_crashLine3, g_crashLen3, "异常发生标志");

@@ -31,3 +31,6 @@ int FormatLogEntry(char* out, int outSize, const SSystemTime& t, const char* mes
 // SIGABRT). The handler writes "exceptionLog.log" in the working directory with
 // async-signal-safe calls only, then re-raises with the default action.
 void InstallCrashLog();
+// True in a sanitised build, where InstallCrashLog leaves the sanitizer's own
+// handlers in place and installs nothing.
+bool CrashLogSanitized();

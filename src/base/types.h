@@ -68,6 +68,20 @@ enum EGameState : int32_t {
     GS_LOADGAME = 20,
 };
 
+// The six picture packs, numbered as the game.ini keys [MDfile] role, ui, face,
+// items, skill and tiles name their archives.
+enum EPicturePack : int {
+    PACK_ROLE = 0,
+    PACK_UI = 1,
+    PACK_FACE = 2,
+    PACK_ITEMS = 3,
+    PACK_SKILL = 4,
+    PACK_TILES = 5,
+    PACK_COUNT = 6,
+};
+// The game.ini keys of the packs, by number.
+inline constexpr const char* PACK_KEYS[PACK_COUNT] = {"role", "ui", "face", "items", "skill", "tiles"};
+
 // Screen dimensions of the game in game pixels, and of the map world.
 constexpr int SCREEN_W = 640, SCREEN_H = 480;
 constexpr int WORLD_W = 3200, WORLD_H = 1600;

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "characters/skill.h"
 #include "media/graph.h"
 #include "media/sound.h"
@@ -66,7 +68,7 @@ CRole::CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32
     m_actions = std::move(file.actions);
     m_frames = std::move(file.frames);
     if (g_pGraph) {
-        for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(0, f.bitmap, cacheKind);
+        for (const SRoleFrame& f : m_frames) g_pGraph->LoadBitmapData(PACK_ROLE, f.bitmap, cacheKind);
     }
     int a = FindAction("stand");
     if (a < 0) a = FindAction("walk");
@@ -120,9 +122,9 @@ void CRole::DrawFrameIndex(int frame) {
     if (!scratch || scratch->width < w || scratch->height < h) return;
     SRect area{0, 0, w, h};
     g_pGraph->FillRect(kScratch, &area, KEY565);
-    const int cache = m_nNpcId == 0 ? 1 : 0;
-    if (!g_pGraph->DrawBitmapData(0, f.bitmap, kScratch, 0, 0, cache) &&
-        !g_pGraph->LoadBitmapToSurface(0, f.bitmap, kScratch, 0, 0, cache))
+    const int cache = m_nNpcId == 0 ? BMP_CACHE_GAME : BMP_CACHE_MAP;
+    if (!g_pGraph->DrawBitmapData(PACK_ROLE, f.bitmap, kScratch, 0, 0, cache) &&
+        !g_pGraph->LoadBitmapToSurface(PACK_ROLE, f.bitmap, kScratch, 0, 0, cache))
         DebugOut("loadmdbitmap failed.\n");
     if (m_bHighlight && std::strcmp(m_szState, "die") != 0) BrightenPixels(scratch->Row(0), w, h, scratch->width);
     g_pGraph->BltClipped(m_nDrawSurface, WORLD_W, WORLD_H, kScratch, BLT_WAIT_SRCKEY, ClampedAdd(m_x, -(w / 2)),
@@ -251,4 +253,23 @@ void CRole::SetInfo(const SRoleInfo& info, CUserItemPack* bag, CWeaponItemPack* 
     m_pEquipment = equipment;
     m_pFightTarget = nullptr;
     m_nFightTargetId = -1;
+}
+
+void CRole::WriteState(StateJson& out) const {
+    out["x"] = m_x;
+    out["y"] = m_y;
+    out["direction"] = m_nDir;
+    out["state"] = StateText(m_szState, sizeof m_szState);
+    out["hp"] = m_nHp;
+    out["max_hp"] = m_nMaxHp;
+    out["mp"] = m_nMp;
+    out["max_mp"] = m_nMaxMp;
+    out["attack"] = m_nAttack;
+    out["defence"] = m_nDefence;
+    out["hit_rate"] = m_nHitRate;
+    out["level"] = m_nLevel;
+    out["exp"] = m_nExp;
+    out["next_exp"] = m_nNextExp;
+    out["money"] = m_nMoney;
+    out["moral"] = m_nMoral;
 }

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/state_json.h"
 #include "base/types.h"
 #include "characters/role_file.h"
 
@@ -30,7 +31,8 @@ struct SRoleInfo {
 class CRole {
 public:
     // Reads "data\" + fileName; (x, y) is the bottom-left of the first standing
-    // picture. cacheKind 1 is the hero's picture cache, 0 the NPCs'.
+    // picture. cacheKind BMP_CACHE_GAME keeps the hero's pictures, BMP_CACHE_MAP
+    // the NPCs' (media/graph.h).
     CRole(const char* fileName, const char* name, int32_t x, int32_t y, int32_t attack, int32_t maxHp,
           int cacheKind);
     virtual int32_t GetExpReward() { return 0; }
@@ -57,6 +59,8 @@ public:
     // Hands the role its bag and equipment (not owned, see m_pBag).
     void SetPacks(CUserItemPack* bag, CWeaponItemPack* equipment) { m_pBag = bag; m_pEquipment = equipment; }
     void Stand();
+    // The dump's "hero" part: position, direction, state and the numbers.
+    void WriteState(StateJson& out) const;
 
     // ---- Stats (role_stats.cpp). Signed changes take '+' or '-'; any other
     // sign changes nothing. Results stay inside 32 bits. ----

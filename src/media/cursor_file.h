@@ -1,7 +1,7 @@
 // Animated cursor files (RIFF "ACON"): the "anih" header, optional "rate" and
 // "seq " tables and a "fram" list of icon or cursor images. Parsed (through
-// CByteReader) into 32-bit ARGB frames so that the window layer can make
-// platform cursors of them.
+// CByteReader) into 32-bit ARGB frames so that the window layer can make SDL
+// colour cursors of them.
 #pragma once
 #include <cstddef>
 #include <cstdint>

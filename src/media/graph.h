@@ -1,6 +1,6 @@
 // CGraph: the 640 x 480 16-bit display and its eight numbered surfaces, the text
 // fonts, the whole-rectangle colour effects, the message line, and (defined in
-// resources/bitmap_pack.cpp) the bitmap packs and picture caches.
+// media/bitmap_pack.cpp) the bitmap packs and picture caches.
 //
 // Surfaces: 0 primary (what is seen), 1 back buffer 640x480, 2 ground layer,
 // 3 role layer (also the bitmap staging and grey/darken scratch surface),
@@ -10,6 +10,7 @@
 #pragma once
 #include <cstdint>
 #include <map>
+#include <set>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +24,12 @@ class CTextCache;
 
 enum ESurfaceIndex { SURF_PRIMARY = 0, SURF_BUFFER = 1, SURF_GROUND = 2, SURF_ROLE = 3, SURF_OBJECT = 4,
                      SURF_TILE = 5, SURF_OBJSHEET = 6, SURF_TEMP = 7, SURF_COUNT = 8 };
+
+// The two picture caches. BMP_CACHE_MAP holds the pictures of the current map's
+// characters, of screens and of panels, and is emptied at every map change;
+// BMP_CACHE_GAME holds the hero's frames, the tiles and the object sheet until
+// the game ends.
+enum EBitmapCache { BMP_CACHE_MAP = 0, BMP_CACHE_GAME = 1, BMP_CACHE_COUNT = 2 };
 
 // DirectDraw fast-copy flags as the callers pass them.
 constexpr uint32_t BLT_WAIT = 16;         // opaque copy
@@ -65,7 +72,8 @@ public:
 
     // Rectangle copies. BltFast refuses (returns false, copies nothing) when the
     // source rectangle is not inside the source or the destination rectangle is
-    // not inside the destination, as the platform's fast copy does.
+    // not inside the destination, as DirectDraw's fast copy does; the callers
+    // rely on a refused copy drawing nothing at all.
     bool BltFast(int dst, int32_t x, int32_t y, int src, const SRect& srcRect, uint32_t flags);
     // Fills a rectangle (nullptr: the whole surface) with a raw pixel value;
     // clipped to the surface.
@@ -96,9 +104,11 @@ public:
     // Shows the back buffer (and hands it to the frame recorder for --shot).
     void Present();
 
-    // ---- Bitmap packs and picture caches (resources/bitmap_pack.cpp) ----
+    // ---- Bitmap packs and picture caches (media/bitmap_pack.cpp) ----
+    // A pack that cannot be opened, a missing picture and a damaged picture are
+    // each reported once (per pack, per name), not every time they are asked for.
     void SetPackPath(int pack, const char* path);
-    const char* GetPackPath(int pack) const { return (pack >= 0 && pack < 6) ? m_szPackPath[pack] : ""; }
+    const char* GetPackPath(int pack) const { return (pack >= 0 && pack < PACK_COUNT) ? m_szPackPath[pack] : ""; }
     bool LoadBitmapData(int pack, const char* name, int cache);
     bool DrawBitmapData(int pack, const char* name, int surf, int32_t x, int32_t y, int cache);
     bool LoadBitmapToSurface(int pack, const char* name, int surf, int32_t x, int32_t y, int cache);
@@ -120,11 +130,15 @@ private:
     SMessageLine m_message;
 
     // Bitmap packs.
-    char m_szPackPath[6][30] = {};
-    std::map<std::string, std::vector<uint8_t>> m_cache[2];
+    char m_szPackPath[PACK_COUNT][30] = {};
+    std::map<std::string, std::vector<uint8_t>> m_cache[BMP_CACHE_COUNT];
     std::unique_ptr<CVRN_File> m_pPackReader;
     int m_nOpenPack = -1;
     int m_nPackOpens = 0;
+    bool m_bPackFailed[PACK_COUNT] = {};    // its archive could not be opened: not tried again
+    std::set<std::string> m_missingPictures;  // cache keys of pictures no pack holds
+    std::set<std::string> m_badPictures;      // cache keys of pictures that did not decode
+    void LogPictureLine(const char* line);
 };
 
 // The display, for code that has no game pointer.

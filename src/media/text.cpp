@@ -4,6 +4,7 @@
 #include <SDL_ttf.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 
 #include "base/gbk.h"
@@ -43,6 +44,7 @@ bool CTextCache::Open() {
     m_bTriedOpen = true;
     if (TTF_Init() != 0) {
         if (m_pLog) m_pLog->Write("Init font engine failed: %s", TTF_GetError());
+        fprintf(stderr, "ashen-oath: the font engine did not start (%s): no text will be drawn\n", TTF_GetError());
         m_bLoggedFailure = true;
         return false;
     }
@@ -63,7 +65,13 @@ CTextCache::SFont* CTextCache::FontFor(int height) {
     TTF_Font* font = TTF_OpenFont(g_fontPath.c_str(), height);
     if (!font) {
         m_bFontOk = false;
-        if (!m_bLoggedFailure && m_pLog) m_pLog->Write("Open font %s failed!", g_fontPath.c_str());
+        // Without the font no text is drawn at all: say so once, in the log and
+        // on stderr, so a missing or broken file does not go unnoticed.
+        if (!m_bLoggedFailure) {
+            if (m_pLog) m_pLog->Write("Open font %s failed!", g_fontPath.c_str());
+            fprintf(stderr, "ashen-oath: cannot open the font %s (%s): no text will be drawn\n", g_fontPath.c_str(),
+                    TTF_GetError());
+        }
         m_bLoggedFailure = true;
         return nullptr;
     }

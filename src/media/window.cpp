@@ -148,6 +148,15 @@ void SdlMessageBox(const char* textGbk, const char* captionGbk, int icon) {
     SDL_ShowSimpleMessageBox(flags, GbkToUtf8(captionGbk).c_str(), GbkToUtf8(textGbk).c_str(), g.window);
 }
 
+// Without a display SDL falls back to a video driver that shows nothing (the
+// game would then run unseen for ever); that is only wanted when asked for.
+bool HasDisplay() {
+    const char* driver = SDL_GetCurrentVideoDriver();
+    if (!driver) return false;
+    const bool invisible = std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0;
+    return !invisible || SDL_getenv("SDL_VIDEODRIVER") != nullptr;
+}
+
 }  // namespace
 
 bool Init(const SOptions& options) {
@@ -160,6 +169,13 @@ bool Init(const SOptions& options) {
     }
     if (SDL_Init(SDL_INIT_VIDEO | SDL_INIT_EVENTS | SDL_INIT_TIMER) != 0) {
         fprintf(stderr, "SDL_Init failed: %s\n", SDL_GetError());
+        return false;
+    }
+    if (!g.headless && !HasDisplay()) {
+        fprintf(stderr,
+                "ashen-oath: no display to open the window on (DISPLAY and WAYLAND_DISPLAY are not set); "
+                "use --headless to run without a window\n");
+        SDL_Quit();
         return false;
     }
     g.sdlStarted = true;

@@ -1,25 +1,32 @@
 // CGame: the one game object. It owns every long-lived object, runs the 40 ms
 // message loop and the mode machine, and handles the player's commands. Its
 // operations are spread over several files by concern:
-//   game_startup.cpp  construction, Init, shutdown, configuration
-//   game_loop.cpp     Run, the window procedure, UpdateFrame, fades, splash
-//   game_input.cpp    keys and clicks of every mode
-//   game_map.cpp      map change, EnterMap, DrawRole, the playing frame's world
-//   game_screens.cpp  help, credits, boss key, result, information screens, screenshots
-//   game_saves.cpp    save panel, SaveGame, LoadGame
-//   game_script.cpp   RunScript, ContinueScript, dialogue
-//   game_panels.cpp   creation and loading of the panels, panel-mode frames and clicks,
-//                     the message line
+//   game_startup.cpp      construction, Init, shutdown, the configuration files
+//   game_loop.cpp         Run, the window procedure, UpdateFrame, StartFade, ShowSplash,
+//                         the effect sound, outlined text, the snapshot
+//   game_modes.cpp        the mode table (game_modes.h): each mode's frame, click and Esc,
+//                         and the small per-mode steps (splash, fade, pages, loading)
+//   game_input.cpp        keys, left clicks, screens and the game menu
 //   game_world_input.cpp  world clicks, hover feedback, NPC picking
-//   game_harness.cpp  the automation harness: replay, shots, state dump
+//   game_map.cpp          map change, EnterMap, DrawRole, the playing frame's world
+//   game_panels.cpp       creation and loading of the panels, the panel-mode frames,
+//                         the menus' and panels' clicks, the message line
+//   game_screens.cpp      help, credits, boss key, screenshots
+//   game_saves.cpp        the save panel's slots and starting a load
+//   game_savegame.cpp     writing and reading saved games
+//   game_script.cpp       RunScript, ContinueScript
+//   game_rain.cpp         rain
+//   game_harness.cpp      the automation harness: replay, shots, the state dump
 #pragma once
 #include <cstdint>
 #include <list>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "base/state_json.h"
 #include "base/types.h"
 
 class CLog;
@@ -49,12 +56,20 @@ struct SItemInfo;
 struct SSkillInfo;
 template <class T> class TCDataBase;
 
+// One replayed input event.
+struct SReplayEvent {
+    int64_t frame = 0;
+    enum EKind { MOVE, LDOWN, LUP, RDOWN, RUP, KEY, QUIT } kind = MOVE;
+    int32_t x = 0, y = 0;  // cursor, or the key code for KEY
+};
+
 // The harness options (--headless, --uncapped, ...), read by main.
 struct SHarnessOptions {
     bool headless = false;
     bool uncapped = false;
     int64_t frames = -1;         // quit after this many frames (-1: never)
     std::string replayFile;
+    std::vector<SReplayEvent> replay;  // the replay file's events, read before the game starts
     std::vector<std::pair<int64_t, std::string>> shots;  // frame, PNG path
     int64_t clock = -1;          // fixed calendar start (UNIX seconds)
     std::string dumpState;       // JSON file written at exit
@@ -65,12 +80,20 @@ struct SHarnessOptions {
 
 // The fade record.
 struct SFade {
-    int32_t phase = 0;     // 2 steady; 0 first frame still to be faded in
-    int32_t kind = 0;      // 0 fade in, 1 fade out, 2 splash picture
-    int32_t level = 0;     // 0 none .. 31 black; negative: waiting time
+    int32_t phase = 0;     // FADE_STEADY once the mode's first frame was faded in; 0 before
+    int32_t kind = 0;      // FADE_IN, FADE_OUT or FADE_SPLASH
+    int32_t level = 0;     // 0 none .. FADE_BLACK; negative: waiting time
     int32_t rising = 0;    // 1 while the level grows
     SRect source{0, 0, 640, 480};
 };
+
+enum EFadeKind : int32_t { FADE_IN = 0, FADE_OUT = 1, FADE_SPLASH = 2 };
+constexpr int32_t FADE_STEADY = 2;          // fade phase of a mode that has been faded in
+constexpr int32_t FADE_BLACK = 31;          // darkest level; a fade in starts here, a fade out ends past it
+constexpr int32_t FADE_STEP = 4;            // level change per frame
+constexpr int32_t FADE_SPLASH_HOLD = -160;  // a splash picture stays undarkened while the level climbs to 0
+constexpr int32_t FADE_SPLASH_END = 51;     // a splash picture's fade out ends at this level
+constexpr int SPLASH_COUNT = 5;             // splash pictures [FlashWindow1] .. [FlashWindow5]
 
 // The current map's 92-byte header (23 words), as the game keeps it.
 struct SMapInfo {
@@ -129,6 +152,7 @@ public:
     void UpdateRoles();        // step 5 of the playing frame
     bool PlayFrame();          // GS_PLAY; false when the frame ended early (mode left, fade-in started)
     void DrawMapNameAndPosition();
+    bool PositionLabel(char* text, size_t size) const;  // "(%d,%d)": PointToCell of the hero
     void UpdateWorldHover();
     int FindNpcAt(int32_t x, int32_t y, int flag);
 
@@ -139,14 +163,18 @@ public:
     int LoadPanels();                        // Init step 12: the four layouts; 0 on the first failure
     bool FrameMainMenu();                    // GS_MAINMENU; false when the frame ended early (fade-in)
     void FramePanelMode();                   // snapshot + the mode's panel (menu, save, load, info, help, talk, pack)
-    bool OnPanelClick();                     // left click in a panel mode; true when the mode was handled
+    void OnMainMenuClick();                  // left click in GS_MAINMENU
+    void OnGameMenuClick();                  // left click in GS_GAMEMENU
+    void OnDialogClick();                    // left click in GS_INFO and GS_HELP
+    void OnSavePanelClick();                 // left click in GS_SAVE
+    void OnLoadPanelClick();                 // left click in GS_LOAD
+    CPanel* ModePanel();                     // the panel the current mode shows, or none
     void DrawMessageLine();                  // the message line at the end of a presented frame
 
     // ---- world objects (game_map.cpp) ----
     void CreateWorld();                      // constructor step 2: the map object and its lists
     void DeleteWorld();                      // destructor: map, roles, NPCs, ground items
     void LoadMapRegistries();                // end of ReadGameIni: "maps.ini" and "scripts.ini"
-    void DumpWorldState(std::string& json);  // appends the world's fields to the state dump
 
     // ---- rain (game_rain.cpp) ----
     void StartRain();
@@ -173,11 +201,18 @@ public:
     void SetHarness(const SHarnessOptions& options) { m_harness = options; }
     const SHarnessOptions& Harness() const { return m_harness; }
     int64_t FrameCount() const { return m_nFrameCount; }
-    std::string DumpStateJson();
+    std::string DumpStateJson();  // the state dump: the game's part and each subsystem's part
+    void WriteState(StateJson& out) const;  // the game's own part: mode, frame, flags, camera
     void HarnessStart();          // --warp and the replay file, before the loop
     bool HarnessInjectInput();    // replayed events of the next frame; true when some were queued
     void HarnessAfterFrame();     // frame count, --shot pictures, --frames limit
     void HarnessStop();           // after the loop: frees the replay state
+    // The first thing the harness could not do during the run (a shot that could
+    // not be written); empty when all went well.
+    const std::string& HarnessError() const { return m_strHarnessError; }
+    void SetHarnessError(const std::string& error) {
+        if (m_strHarnessError.empty()) m_strHarnessError = error;
+    }
 
     // ---- accessors used across subsystems ----
     CGraph* Graph() { return m_pGraph; }
@@ -206,11 +241,12 @@ public:
     int32_t m_nBitsPerPel = 16;
     char m_szIniPack[30] = {0};
     char m_szScriptPack[30] = {0};
-    char m_szSplash[5][30] = {};
+    char m_szSplash[SPLASH_COUNT][30] = {};
     char m_szStartMusic[30] = {0};
     char m_szCreditMusic[30] = {0};
     char m_szEndMusic[30] = {0};
     char m_szCurrentDir[256] = {0};
+    std::set<std::string> m_setUnreadableIni;  // entries of the ini archive that cannot be read
 
     int32_t e_killCount = 0;
     CSound* m_pSound = nullptr;            // the effect sound
@@ -264,6 +300,7 @@ public:
     uint32_t m_nLastFrameTick = 0;
     int64_t m_nFrameCount = 0;
     SHarnessOptions m_harness;
+    std::string m_strHarnessError;
     struct SReplayState;
     SReplayState* m_pReplay = nullptr;
 

@@ -3,12 +3,18 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 
+#include <nlohmann/json.hpp>
+
+#include "characters/role.h"
+#include "media/graph.h"
 #include "media/window.h"
 #include "shell/game.h"
+#include "shell/game_modes.h"
 #include "shell/harness.h"
+#include "ui/message_line.h"
+#include "ui/panel.h"
+#include "world/map.h"
 
 struct CGame::SReplayState {
     std::vector<SReplayEvent> events;
@@ -21,17 +27,10 @@ struct CGame::SReplayState {
 void CGame::HarnessStart() {
     if (!m_pReplay) m_pReplay = new SReplayState();
     SReplayState& r = *m_pReplay;
-    if (!m_harness.replayFile.empty()) {
-        std::ifstream in(m_harness.replayFile, std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        std::string error;
-        if (!in.good() && !in.eof()) error = "cannot read " + m_harness.replayFile;
-        if (error.empty() && !ParseReplay(text.str(), r.events, error)) r.events.clear();
-        if (!error.empty()) fprintf(stderr, "ashen-oath: %s\n", error.c_str());
-        std::stable_sort(r.events.begin(), r.events.end(),
-                         [](const SReplayEvent& a, const SReplayEvent& b) { return a.frame < b.frame; });
-    }
+    // The replay file was read and checked before the game started (main).
+    r.events = m_harness.replay;
+    std::stable_sort(r.events.begin(), r.events.end(),
+                     [](const SReplayEvent& a, const SReplayEvent& b) { return a.frame < b.frame; });
     if (!m_harness.shots.empty()) {
         r.keepFrames = true;
         r.lastPresented.assign(size_t(SCREEN_W) * SCREEN_H, 0);
@@ -41,7 +40,7 @@ void CGame::HarnessStart() {
     }
     if (!m_harness.warpMap.empty()) {
         // Skip the splash pictures and the menu: a new game on that map.
-        m_nSplashCounter = 5;
+        m_nSplashCounter = SPLASH_COUNT;
         platform::ShowCursor(true);
         ChangeMap(m_harness.warpMap.c_str(), m_harness.warpX, m_harness.warpY, 5, 1);
     }
@@ -73,7 +72,8 @@ void CGame::HarnessAfterFrame() {
     SReplayState& r = *m_pReplay;
     if (r.keepFrames) {
         for (const auto& shot : m_harness.shots)
-            if (shot.first == frame) WritePng565(shot.second.c_str(), r.lastPresented.data(), SCREEN_W, SCREEN_H);
+            if (shot.first == frame && !WritePng565(shot.second.c_str(), r.lastPresented.data(), SCREEN_W, SCREEN_H))
+                SetHarnessError("cannot write the shot " + shot.second);
     }
     if (m_harness.frames >= 0 && m_nFrameCount == m_harness.frames) platform::PostMessage(WM_CLOSE, 0, 0);
 }
@@ -84,41 +84,28 @@ void CGame::HarnessStop() {
     m_pReplay = nullptr;
 }
 
-static const char* ModeName(int32_t mode) {
-    switch (mode) {
-        case GS_SPLASH: return "GS_SPLASH";
-        case GS_FADE: return "GS_FADE";
-        case GS_MAINMENU: return "GS_MAINMENU";
-        case GS_PLAY: return "GS_PLAY";
-        case GS_TALK: return "GS_TALK";
-        case GS_GAMEMENU: return "GS_GAMEMENU";
-        case GS_SAVE: return "GS_SAVE";
-        case GS_LOAD: return "GS_LOAD";
-        case GS_CREDITS: return "GS_CREDITS";
-        case GS_INFO: return "GS_INFO";
-        case GS_PACK: return "GS_PACK";
-        case GS_DEAD: return "GS_DEAD";
-        case GS_RESULT: return "GS_RESULT";
-        case GS_QUIT: return "GS_QUIT";
-        case GS_HELP: return "GS_HELP";
-        case GS_BOSSKEY: return "GS_BOSSKEY";
-        case GS_MAPMSG: return "GS_MAPMSG";
-        case GS_ENTERMAP: return "GS_ENTERMAP";
-        case GS_LOADMSG: return "GS_LOADMSG";
-        case GS_LOADGAME: return "GS_LOADGAME";
-        default: return "unknown";
-    }
+void CGame::WriteState(StateJson& out) const {
+    out["mode"] = m_nGameState;
+    out["mode_name"] = GameModeName(m_nGameState);
+    out["frame"] = m_nFrameCount;
+    out["resume_mode"] = m_nResumeState;
+    out["music_started"] = m_bMusicStarted;
+    out["kill_count"] = e_killCount;
+    out["rain"] = e_brain;
+    char label[32];
+    if (PositionLabel(label, sizeof label)) out["position_label"] = label;
 }
 
 std::string CGame::DumpStateJson() {
-    char head[256];
-    snprintf(head, sizeof(head),
-             "{\"mode\":%d,\"mode_name\":\"%s\",\"frame\":%lld,\"resume_mode\":%d,\"music_started\":%d,"
-             "\"kill_count\":%d,\"rain\":%d",
-             m_nGameState, ModeName(m_nGameState), (long long)m_nFrameCount, m_nResumeState, m_bMusicStarted,
-             e_killCount, e_brain);
-    std::string json = head;
-    DumpWorldState(json);
-    json += "}\n";
-    return json;
+    StateJson state = StateJson::object();
+    WriteState(state);
+    if (m_pMap) m_pMap->WriteState(state);
+    if (m_pRole)
+        m_pRole->WriteState(state["hero"]);
+    else
+        state["hero"] = nullptr;
+    state["camera"] = {{"x", m_ptCamera.x}, {"y", m_ptCamera.y}};
+    if (CPanel* panel = ModePanel()) panel->WriteState(state["panel"]);
+    if (m_pGraph) MessageLineWriteState(m_pGraph->MessageLine(), state["message"]);
+    return state.dump() + "\n";
 }

@@ -1,4 +1,5 @@
-// CGame: keys and left clicks by mode. The panels' own clicks are in
+// CGame: keys and left clicks. What Esc and a click do in each mode is a column
+// of the mode table (game_modes.cpp); the panels' own clicks are in
 // game_panels.cpp and the world's in game_world_input.cpp.
 #include "characters/role.h"
 #include "media/graph.h"
@@ -6,28 +7,13 @@
 #include "media/window.h"
 #include "base/debug.h"
 #include "shell/game.h"
+#include "shell/game_modes.h"
 
 int CGame::OnKeyDown(int key) {
     if (m_nGameState == GS_FADE) return 1;
+    const SGameMode* mode = FindGameMode(m_nGameState);
     if (key == VK_ESCAPE) {
-        switch (m_nGameState) {
-            case GS_PLAY: OpenGameMenu(); break;
-            case GS_GAMEMENU:
-            case GS_LOAD:
-            case GS_BOSSKEY: m_nGameState = m_nResumeState; break;
-            case GS_SAVE:
-            case GS_HELP: m_nGameState = GS_PLAY; break;
-            case GS_INFO:
-                m_nGameState = GS_PLAY;
-                m_nOpenScreen = 0;
-                break;
-            case GS_PACK:
-                m_bTrading = 0;
-                m_bHandEmpty = 1;
-                m_nGameState = GS_PLAY;
-                break;
-            default: break;
-        }
+        if (mode && mode->escape) mode->escape(*this);
         return 1;
     }
     if (key == VK_F11) {
@@ -44,7 +30,7 @@ int CGame::OnKeyDown(int key) {
         }
         return 1;
     }
-    if (m_nGameState == GS_PLAY || m_nGameState == GS_INFO || m_nGameState == GS_PACK) {
+    if (mode && mode->heroKeys) {
         // Skills, bag items (1..9), F7 drops and F8 level-ups take effect with
         // the skill, item and combat code.
         if (key >= VK_F1 && key <= VK_F4) OpenScreen(key - 111);
@@ -60,29 +46,8 @@ int CGame::OnKeyDown(int key) {
 void CGame::OnLButtonUp() { m_bWorldClickArmed = 1; }
 
 void CGame::OnLButtonDown() {
-    switch (m_nGameState) {
-        case GS_FADE:
-            // A click while a splash picture fades in shows it at once.
-            if (m_fade.kind == 2 && m_fade.level > 0 && !m_fade.rising) m_fade.level = 0;
-            return;
-        case GS_DEAD:
-        case GS_RESULT:
-            m_bMusicStarted = 0;
-            StartFade(1, GS_MAINMENU);
-            m_pGraph->FreeBitmapCache(0);
-            m_pGraph->FreeBitmapCache(1);
-            return;
-        case GS_CREDITS:
-            m_bMusicStarted = 0;
-            StartFade(1, GS_MAINMENU);
-            return;
-        case GS_BOSSKEY:
-            m_nGameState = m_nResumeState;
-            return;
-        default:
-            OnPanelClick();
-            return;
-    }
+    const SGameMode* mode = FindGameMode(m_nGameState);
+    if (mode && mode->click) mode->click(*this);
 }
 
 int CGame::OpenScreen(int id) {

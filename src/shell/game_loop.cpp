@@ -1,5 +1,6 @@
-// CGame: the 40 ms message loop, the window procedure, the mode machine of
-// UpdateFrame, fades, the splash sequence, loading messages and the effect sound.
+// CGame: the 40 ms message loop, the window procedure, UpdateFrame (the current
+// mode's step from the mode table, then the message line and the present),
+// starting fades and splash pictures, the effect sound and outlined text.
 #include <chrono>
 #include <cstring>
 #include <thread>
@@ -12,6 +13,8 @@
 #include "base/clock.h"
 #include "base/debug.h"
 #include "shell/game.h"
+#include "shell/game_modes.h"
+#include "shell/harness.h"
 
 namespace {
 CGame* g_pWindowGame = nullptr;  // the game pointer handed over by UM_SETGAME
@@ -62,6 +65,7 @@ int CGame::Run() {
 }
 
 bool CGame::RunOnce(int& quitCode) {
+    if (TakeQuitSignal()) platform::PostMessage(WM_CLOSE, 0, 0);  // SIGTERM, SIGINT: as a closed window
     PollMediaEvents();
     SMsg msg;
     if (platform::PeekMessage(msg)) {
@@ -96,104 +100,10 @@ bool CGame::RunOnce(int& quitCode) {
 }
 
 void CGame::UpdateFrame() {
-    bool present = true;
-    switch (m_nGameState) {
-        case GS_SPLASH: {
-            if (m_nSplashCounter < 5) {
-                const char* name = m_szSplash[m_nSplashCounter];
-                if (!name[0] || strcmp(name, "null") == 0) {
-                    ++m_nSplashCounter;
-                } else {
-                    DebugOut("bgindex=%d,pic path=%s\n", m_nSplashCounter, name);
-                    ShowSplash(name, GS_SPLASH);
-                    if (m_nGameState == GS_FADE) present = false;
-                }
-            }
-            if (m_nSplashCounter >= 5) {
-                platform::ShowCursor(true);
-                platform::SetCursorPos(320, 195);
-                m_nGameState = GS_MAINMENU;
-            }
-            break;
-        }
-        case GS_FADE: {
-            m_pGraph->BltFast(SURF_BUFFER, (SCREEN_W - m_fade.source.Width()) / 2,
-                              (SCREEN_H - m_fade.source.Height()) / 2, SURF_TEMP, m_fade.source, BLT_WAIT_SRCKEY);
-            if (m_fade.level > 0) m_pGraph->DarkenRect(SURF_BUFFER, 0, 0, SCREEN_W, SCREEN_H, m_fade.level);
-            if (m_fade.rising) m_fade.level += 4;
-            if (m_fade.level > 0 && !m_fade.rising) m_fade.level -= 4;
-            if (m_fade.level >= 31 && (m_fade.kind == 1 || (m_fade.kind == 2 && m_fade.level >= 51))) {
-                ++m_nSplashCounter;
-                m_fade.phase = 0;
-                m_nGameState = m_nResumeState;
-            }
-            if (m_fade.level <= 0 && !m_fade.rising) {
-                if (m_fade.kind == 0) {
-                    ++m_nSplashCounter;
-                    m_fade.phase = 2;
-                    m_nGameState = m_nResumeState;
-                }
-                if (m_fade.kind == 2) m_fade.level = -160;
-                m_fade.rising = 1;
-            }
-            break;
-        }
-        case GS_MAINMENU:
-            present = FrameMainMenu();
-            break;
-        case GS_PLAY:
-            present = PlayFrame();
-            break;
-        case GS_TALK:
-        case GS_GAMEMENU:
-        case GS_SAVE:
-        case GS_LOAD:
-        case GS_INFO:
-        case GS_PACK:
-        case GS_HELP:
-            FramePanelMode();
-            break;
-        case GS_CREDITS:
-        case GS_RESULT: {
-            const char* music = m_nGameState == GS_CREDITS ? m_szCreditMusic : m_szEndMusic;
-            if (!m_bMusicStarted) {
-                if (music[0] && m_pShow->Open(m_hWnd, music)) m_pShow->Play(m_hWnd, 1);
-                m_bMusicStarted = 1;
-            }
-            m_pGraph->BltFast(SURF_BUFFER, 0, 0, SURF_GROUND, kScreen, BLT_WAIT);
-            if (m_fade.phase != 2) {
-                StartFade(0, m_nGameState);
-                present = false;
-            }
-            break;
-        }
-        case GS_DEAD:
-        case GS_BOSSKEY:
-            m_pGraph->BltFast(SURF_BUFFER, 0, 0, SURF_TEMP, kScreen, BLT_WAIT);
-            break;
-        case GS_QUIT:
-            m_pShow->Stop();
-            platform::PostMessage(WM_CLOSE, 0, 0);
-            break;
-        case GS_MAPMSG:
-        case GS_LOADMSG: {
-            bool map = m_nGameState == GS_MAPMSG;
-            m_pGraph->FillRect(SURF_BUFFER, nullptr, 0);
-            DrawOutlinedText(SURF_BUFFER, map ? "Loading map, please wait..." : "Loading game, please wait...", 320,
-                             240, RGB(255, 255, 255), RGB(218, 62, 2), false);
-            m_nGameState = map ? GS_ENTERMAP : GS_LOADGAME;
-            break;
-        }
-        case GS_ENTERMAP:
-            EnterMap();
-            present = false;
-            break;
-        case GS_LOADGAME:
-            present = LoadGame() != 0 ? false : true;
-            break;
-        default:
-            break;
-    }
+    // The mode's own step (game_modes.cpp); a step that started a fade or left
+    // its mode ends the frame without presenting.
+    const SGameMode* mode = FindGameMode(m_nGameState);
+    const bool present = mode ? mode->frame(*this) : true;
     if (!present || !platform::HasMainWindow()) return;
     if (m_pGraph->MessageLine().framesLeft > 0) DrawMessageLine();
     m_pGraph->Present();
@@ -203,28 +113,28 @@ void CGame::StartFade(int direction, int target) {
     m_pGraph->BltFast(SURF_TEMP, 0, 0, SURF_BUFFER, kScreen, BLT_WAIT);
     m_fade.source = kScreen;
     m_nResumeState = target;
-    m_fade.kind = direction ? 1 : 0;
+    m_fade.kind = direction ? FADE_OUT : FADE_IN;
     m_nGameState = GS_FADE;
-    if (m_fade.kind == 1) {
+    if (m_fade.kind == FADE_OUT) {
         m_fade.level = 0;
         m_fade.rising = 1;
     } else {
-        m_fade.level = 31;
+        m_fade.level = FADE_BLACK;
         m_fade.rising = 0;
     }
 }
 
 void CGame::ShowSplash(const char* name, int target) {
-    int pack = 1;
+    int pack = PACK_UI;
     std::string file;
     int32_t w = 0, h = 0;
     bool loaded = SplitPictureRef(name, pack, file) && m_pGraph->GetBitmapSize(pack, file.c_str(), &w, &h) &&
-                  m_pGraph->LoadBitmapToSurface(pack, file.c_str(), SURF_TEMP, 0, 0, 0);
+                  m_pGraph->LoadBitmapToSurface(pack, file.c_str(), SURF_TEMP, 0, 0, BMP_CACHE_MAP);
     if (loaded) {
         m_fade.source = SRect{0, 0, w, h};
-        m_fade.level = 31;
+        m_fade.level = FADE_BLACK;
         m_fade.rising = 0;
-        m_fade.kind = 2;
+        m_fade.kind = FADE_SPLASH;
         m_nResumeState = target;
         m_nGameState = GS_FADE;
     } else {

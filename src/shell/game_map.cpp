@@ -2,6 +2,7 @@
 // world part of the playing frame.
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
 #include "characters/role.h"
 #include "items/item_pack.h"
@@ -54,7 +55,7 @@ int CGame::LoadMap(const char* path) {
     for (const SMapNpc& p : placements) m_vecNpcPlacements.push_back(SNpcPlacement{p.record, p.cellX, p.cellY});
     if (m_pLog) m_pLog->Write("Load map over,start to draw map...");
     DrawTiles(m_pGraph, m_pMap, m_szIniPack, m_pLog);
-    m_pGraph->LoadBitmapToSurface(5, "obj.bmp", SURF_OBJSHEET, 0, 0, 1);
+    m_pGraph->LoadBitmapToSurface(PACK_TILES, "obj.bmp", SURF_OBJSHEET, 0, 0, BMP_CACHE_GAME);
     m_pMap->DrawObjects(m_pGraph, SURF_OBJECT, SURF_OBJSHEET, SURF_GROUND, m_pGraph->GetColorMask());
     m_pMap->GetHeader(m_mapInfo.words);
     if (m_pLog) m_pLog->Write("Draw map over!");
@@ -62,7 +63,7 @@ int CGame::LoadMap(const char* path) {
 }
 
 int CGame::EnterMap() {
-    m_pGraph->FreeBitmapCache(0);
+    m_pGraph->FreeBitmapCache(BMP_CACHE_MAP);
     char path[100];
     std::snprintf(path, sizeof path, "map\\%s", m_strTargetMap.c_str());
     if (!m_bTargetNewGame) m_pMap->Unload();
@@ -78,16 +79,18 @@ int CGame::EnterMap() {
     }
     const SPoint pt = m_pMap->GetCellPoint(cx, cy);
     if (m_bTargetNewGame || !m_pRole) {
-        FILE* check = std::fopen(HostPath("data\\role.pmg").c_str(), "rb");
-        if (!check) {
+        // A hero file that is missing, damaged or without a standing picture
+        // would give an invisible hero: the game ends with its message instead.
+        auto hero = std::make_unique<CRole>("role.pmg", "hadrin", pt.x, pt.y + 32, 10, 100, BMP_CACHE_GAME);
+        if (!hero->HasActions() || hero->FindAction("stand") < 0) {
+            if (m_pLog) m_pLog->Write("data\\role.pmg is missing or damaged: no hero");
             MessageBox("Initializing role failed!", "Error", MB_NOICON);
             platform::DestroyMainWindow();
             return 0;
         }
-        std::fclose(check);
         m_vecVisibleRoles.clear();
         delete m_pRole;
-        m_pRole = new CRole("role.pmg", "hadrin", pt.x, pt.y + 32, 10, 100, 1);
+        m_pRole = hero.release();
         m_pRole->SetDirection(m_nTargetFacing);
         // The hero's bag of 9 grids and the equipment, kept by the game.
         delete m_pHeroBag;
@@ -241,48 +244,17 @@ bool CGame::PlayFrame() {
 
 void CGame::DrawMapNameAndPosition() {
     DrawOutlinedText(SURF_BUFFER, m_mapInfo.DisplayName(), 565, 20, RGB(0, 0, 0), RGB(255, 227, 170), true);
-    if (!m_pRole) return;
-    const SPoint cell = m_pMap->PointToCell(m_pRole->m_x, m_pRole->m_y);
     char text[32];
-    std::snprintf(text, sizeof text, "(%d,%d)", cell.x, cell.y);
+    if (!PositionLabel(text, sizeof text)) return;
     DrawOutlinedText(SURF_BUFFER, text, 565, 35, RGB(0, 0, 0), RGB(255, 227, 170), true);
 }
 
-void CGame::DumpWorldState(std::string& json) {
-    auto quote = [](const char* s) {
-        std::string out = "\"";
-        for (const unsigned char* p = reinterpret_cast<const unsigned char*>(s); *p; ++p) {
-            if (*p == '"' || *p == '\\') {
-                out += '\\';
-                out += char(*p);
-            } else if (*p < 0x20 || *p >= 0x80) {
-                char esc[8];
-                std::snprintf(esc, sizeof esc, "\\u%04x", *p);  // GBK bytes kept as code units
-                out += esc;
-            } else {
-                out += char(*p);
-            }
-        }
-        return out + "\"";
-    };
-    char fileName[21] = {0}, displayName[33] = {0};
-    std::memcpy(fileName, m_mapInfo.FileName(), 20);
-    std::memcpy(displayName, m_mapInfo.DisplayName(), 32);
-    json += ",\"map\":" + quote(fileName) + ",\"map_name\":" + quote(displayName);
-    char buf[512];
-    if (m_pRole) {
-        const CRole& r = *m_pRole;
-        std::snprintf(buf, sizeof buf,
-                      ",\"hero\":{\"x\":%d,\"y\":%d,\"direction\":%d,\"state\":%s,\"hp\":%d,\"max_hp\":%d,"
-                      "\"mp\":%d,\"max_mp\":%d,\"attack\":%d,\"defence\":%d,\"hit_rate\":%d,\"level\":%d,"
-                      "\"exp\":%d,\"next_exp\":%d,\"money\":%d,\"moral\":%d}",
-                      r.m_x, r.m_y, r.m_nDir, quote(r.GetState()).c_str(), r.m_nHp, r.m_nMaxHp, r.m_nMp, r.m_nMaxMp,
-                      r.m_nAttack, r.m_nDefence, r.m_nHitRate, r.m_nLevel, r.m_nExp, r.m_nNextExp, r.m_nMoney,
-                      r.m_nMoral);
-        json += buf;
-    } else {
-        json += ",\"hero\":null";
-    }
-    std::snprintf(buf, sizeof buf, ",\"camera\":{\"x\":%d,\"y\":%d}", m_ptCamera.x, m_ptCamera.y);
-    json += buf;
+bool CGame::PositionLabel(char* text, size_t size) const {
+    if (!m_pRole || !m_pMap || size == 0) return false;
+    // The cell under the hero's position, the centre of its picture: for a
+    // hero a new game stood on a cell, the cell diagonally above it
+    // (content/maps/README.md).
+    const SPoint cell = m_pMap->PointToCell(m_pRole->m_x, m_pRole->m_y);
+    std::snprintf(text, size, "(%d,%d)", cell.x, cell.y);
+    return true;
 }

@@ -5,6 +5,7 @@
 #include "media/show.h"
 #include "media/sound.h"
 #include "shell/game.h"
+#include "shell/game_modes.h"
 #include "base/log.h"
 #include "ui/button.h"
 #include "ui/dlg_panel.h"
@@ -74,10 +75,14 @@ void CGame::PublishButtonGlobals(CSound* hoverSound) {
 }
 
 int CGame::LoadPanels() {
-    if (!m_pMenuPanel || !m_pMenuPanel->Load("menu.ini", m_szIniPack)) return 0;
-    if (!m_pMainMenuPanel || !m_pMainMenuPanel->Load("mainmenu.ini", m_szIniPack)) return 0;
-    if (!m_pDlgPanel || !m_pDlgPanel->Load("dlg.ini", m_szIniPack)) return 0;
-    if (!m_pSavePanel || !m_pSavePanel->Load("savepanel.ini", m_szIniPack)) return 0;
+    // A layout whose archive entry cannot be read (reported by ReadGameIni)
+    // fails like a missing one instead of giving an empty panel.
+    auto readable = [this](const char* name) { return m_setUnreadableIni.count(name) == 0; };
+    if (!m_pMenuPanel || !readable("menu.ini") || !m_pMenuPanel->Load("menu.ini", m_szIniPack)) return 0;
+    if (!m_pMainMenuPanel || !readable("mainmenu.ini") || !m_pMainMenuPanel->Load("mainmenu.ini", m_szIniPack))
+        return 0;
+    if (!m_pDlgPanel || !readable("dlg.ini") || !m_pDlgPanel->Load("dlg.ini", m_szIniPack)) return 0;
+    if (!m_pSavePanel || !readable("savepanel.ini") || !m_pSavePanel->Load("savepanel.ini", m_szIniPack)) return 0;
     return 1;
 }
 
@@ -97,91 +102,81 @@ bool CGame::FrameMainMenu() {
     return true;
 }
 
+CPanel* CGame::ModePanel() {
+    const SGameMode* mode = FindGameMode(m_nGameState);
+    return mode && mode->panel ? mode->panel(*this) : nullptr;
+}
+
 void CGame::FramePanelMode() {
     m_pGraph->BltFast(SURF_BUFFER, 0, 0, SURF_TEMP, kScreen, BLT_WAIT);
-    CPanel* panel = nullptr;
-    switch (m_nGameState) {
-        case GS_GAMEMENU: panel = m_pMenuPanel; break;
-        case GS_SAVE:
-        case GS_LOAD: panel = m_pSavePanel; break;
-        case GS_INFO:
-        case GS_HELP: panel = m_pDlgPanel; break;
-        default: break;  // the dialogue box and the packs draw themselves
-    }
-    if (panel) {
+    // The dialogue box and the packs draw themselves; the others are panels.
+    if (CPanel* panel = ModePanel()) {
         panel->UpdateHover();
         panel->Draw();
     }
 }
 
-bool CGame::OnPanelClick() {
-    switch (m_nGameState) {
-        case GS_MAINMENU: {
-            if (!m_pMainMenuPanel) return true;
-            switch (m_pMainMenuPanel->GetClickedButton()) {
-                case CMainMenuPanel::BTN_START:
-                    if (!RunScript("main.gsp", 1)) ChangeMap("main.map", -1, -1, 5, 1);
-                    break;
-                case CMainMenuPanel::BTN_LOAD: OpenSavePanel(1, GS_MAINMENU); break;
-                case CMainMenuPanel::BTN_ABOUT: ShowCredits(); break;
-                case CMainMenuPanel::BTN_EXIT: StartFade(1, GS_QUIT); break;
-                default: break;
-            }
-            return true;
-        }
-        case GS_GAMEMENU: {
-            if (!m_pMenuPanel) return true;
-            switch (m_pMenuPanel->GetClickedButton()) {
-                case CMenuPanel::BTN_BACK:
-                    m_nGameState = GS_PLAY;
-                    m_bWorldClickArmed = 0;
-                    break;
-                case CMenuPanel::BTN_SAVE: OpenSavePanel(0, GS_PLAY); break;
-                case CMenuPanel::BTN_LOAD: OpenSavePanel(1, GS_PLAY); break;
-                case CMenuPanel::BTN_HELP: ShowHelp(); break;
-                case CMenuPanel::BTN_EXIT:
-                    m_bMusicStarted = 0;
-                    StartFade(1, GS_MAINMENU);
-                    DeleteTutorial(m_pTutorialPanel);
-                    m_pGraph->FreeBitmapCache(0);
-                    m_pGraph->FreeBitmapCache(1);
-                    break;
-                default: break;
-            }
-            return true;
-        }
-        case GS_INFO:
-        case GS_HELP: {
-            if (!m_pDlgPanel) return true;
-            if (m_pDlgPanel->OnClick() == 0) {
-                if (m_nGameState == GS_INFO) m_nOpenScreen = 0;
-                m_nGameState = GS_PLAY;
-                m_bWorldClickArmed = 0;
-            }
-            return true;
-        }
-        case GS_SAVE: {
-            if (!m_pSavePanel) return true;
-            const int n = m_pSavePanel->GetClickedButton();
-            if (n < 0) return true;
-            if (n >= 1) SaveGame(n);
+void CGame::OnMainMenuClick() {
+    if (!m_pMainMenuPanel) return;
+    switch (m_pMainMenuPanel->GetClickedButton()) {
+        case CMainMenuPanel::BTN_START:
+            if (!RunScript("main.gsp", 1)) ChangeMap("main.map", -1, -1, 5, 1);
+            break;
+        case CMainMenuPanel::BTN_LOAD: OpenSavePanel(1, GS_MAINMENU); break;
+        case CMainMenuPanel::BTN_ABOUT: ShowCredits(); break;
+        case CMainMenuPanel::BTN_EXIT: StartFade(1, GS_QUIT); break;
+        default: break;
+    }
+}
+
+void CGame::OnGameMenuClick() {
+    if (!m_pMenuPanel) return;
+    switch (m_pMenuPanel->GetClickedButton()) {
+        case CMenuPanel::BTN_BACK:
             m_nGameState = GS_PLAY;
             m_bWorldClickArmed = 0;
-            return true;
-        }
-        case GS_LOAD: {
-            if (!m_pSavePanel) return true;
-            const int n = m_pSavePanel->GetClickedButton();
-            if (n == 0) {
-                m_nGameState = m_nResumeState;
-                m_bWorldClickArmed = 0;
-            } else if (n >= 1 && LoadSlot(n)) {
-                m_pGraph->FreeBitmapCache(0);
-                DeleteTutorial(m_pTutorialPanel);
-            }
-            return true;
-        }
-        default: return false;
+            break;
+        case CMenuPanel::BTN_SAVE: OpenSavePanel(0, GS_PLAY); break;
+        case CMenuPanel::BTN_LOAD: OpenSavePanel(1, GS_PLAY); break;
+        case CMenuPanel::BTN_HELP: ShowHelp(); break;
+        case CMenuPanel::BTN_EXIT:
+            m_bMusicStarted = 0;
+            StartFade(1, GS_MAINMENU);
+            DeleteTutorial(m_pTutorialPanel);
+            m_pGraph->FreeBitmapCache(BMP_CACHE_MAP);
+            m_pGraph->FreeBitmapCache(BMP_CACHE_GAME);
+            break;
+        default: break;
+    }
+}
+
+void CGame::OnDialogClick() {
+    if (!m_pDlgPanel) return;
+    if (m_pDlgPanel->OnClick() == 0) {
+        if (m_nGameState == GS_INFO) m_nOpenScreen = 0;
+        m_nGameState = GS_PLAY;
+        m_bWorldClickArmed = 0;
+    }
+}
+
+void CGame::OnSavePanelClick() {
+    if (!m_pSavePanel) return;
+    const int n = m_pSavePanel->GetClickedButton();
+    if (n < 0) return;
+    if (n >= 1) SaveGame(n);
+    m_nGameState = GS_PLAY;
+    m_bWorldClickArmed = 0;
+}
+
+void CGame::OnLoadPanelClick() {
+    if (!m_pSavePanel) return;
+    const int n = m_pSavePanel->GetClickedButton();
+    if (n == 0) {
+        m_nGameState = m_nResumeState;
+        m_bWorldClickArmed = 0;
+    } else if (n >= 1 && LoadSlot(n)) {
+        m_pGraph->FreeBitmapCache(BMP_CACHE_MAP);
+        DeleteTutorial(m_pTutorialPanel);
     }
 }
 

@@ -1,6 +1,11 @@
 // CGame: the help screen, the credits page, the boss screen and screenshots.
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
 #include <vector>
 
 #include "media/graph.h"
@@ -8,6 +13,7 @@
 #include "resources/picture_ref.h"
 #include "base/clock.h"
 #include "base/debug.h"
+#include "base/log.h"
 #include "shell/game.h"
 #include "ui/dlg_panel.h"
 #include "ui/richtext.h"
@@ -41,9 +47,9 @@ int CGame::ShowCredits() {
     ini.Close();
 
     // The page is built on the ground layer, which GS_CREDITS shows.
-    int pack = 1;
+    int pack = PACK_UI;
     std::string name;
-    if (SplitPictureRef(pic.c_str(), pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_GROUND, 0, 0, 0);
+    if (SplitPictureRef(pic.c_str(), pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_GROUND, 0, 0, BMP_CACHE_MAP);
     const SFontMetrics m = m_pGraph->GetFontMetrics(18);
     const int32_t lineHeight = m.height + m.externalLeading;
     const SRect rect{0, CenteredTextTop(lineHeight, lines), SCREEN_W, SCREEN_H};
@@ -56,9 +62,9 @@ int CGame::ShowCredits() {
 }
 
 void CGame::ShowBossKey() {
-    int pack = 1;
+    int pack = PACK_UI;
     std::string name;
-    if (SplitPictureRef("ui/bosskey.bmp", pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_TEMP, 0, 0, 0);
+    if (SplitPictureRef("ui/bosskey.bmp", pack, name)) m_pGraph->LoadBitmapToSurface(pack, name.c_str(), SURF_TEMP, 0, 0, BMP_CACHE_MAP);
     m_nResumeState = m_nGameState;
     m_nGameState = GS_BOSSKEY;
     DebugOut("boss screen start!\n");
@@ -73,8 +79,23 @@ int CGame::ScreenShot() {
     const std::string path = ScreenShotFileName(dir, t);
     const CSurface* back = m_pGraph->GetSurface(SURF_BUFFER);
     if (!back || !back->Valid()) return 0;
+    // The folder is made when it is missing; a shot that cannot be written is
+    // said in the log and on stderr instead of being lost without a word.
+    auto fail = [this](const std::string& what) {
+        if (m_pLog) m_pLog->Write("Screenshot failed: %s", what.c_str());
+        fprintf(stderr, "ashen-oath: screenshot failed: %s\n", what.c_str());
+        return 0;
+    };
+    const std::string folder = std::string(dir) + "/screenshot";
+    struct stat st;
+    if (stat(folder.c_str(), &st) != 0) {
+        if (mkdir(folder.c_str(), 0755) != 0) return fail("cannot make the folder " + folder + ": " + strerror(errno));
+    } else if (!S_ISDIR(st.st_mode)) {
+        return fail(folder + " is not a folder");
+    }
     std::vector<uint8_t> bgr;
     SurfaceToBgr(*back, bgr);
     DebugOut("7\n");
-    return WriteJpegBgr(path.c_str(), bgr.data(), back->width, back->height, 75) ? 1 : 0;
+    if (!WriteJpegBgr(path.c_str(), bgr.data(), back->width, back->height, 75)) return fail("cannot write " + path);
+    return 1;
 }

@@ -3,7 +3,9 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <algorithm>
 #include <cstring>
+#include <set>
 #include <vector>
 
 #include "base/message_line_hook.h"
@@ -16,6 +18,7 @@
 #include "media/sound.h"
 #include "media/window.h"
 #include "resources/ini.h"
+#include "resources/vrn_file.h"
 #include "base/debug.h"
 #include "shell/game.h"
 #include "base/gbk.h"
@@ -35,6 +38,39 @@ template <size_t N>
 void CopyField(char (&field)[N], const std::string& value) {
     strncpy(field, value.c_str(), N - 1);
     field[N - 1] = 0;
+}
+
+// The entries of an archive whose directory is intact but whose data cannot be
+// read back (a truncated or damaged archive). Each is reported here, once, with
+// the archive's and the entry's names: the readers would otherwise find an empty
+// text and go on without a word.
+std::set<std::string> UnreadableEntries(const char* archivePath, CLog* log) {
+    std::set<std::string> out;
+    CVRN_File archive;
+    if (!archivePath || !archive.Open(archivePath) || !archive.Root()) return out;
+    std::vector<const SVrnNode*> files;
+    std::vector<const SVrnNode*> pending{archive.Root()};
+    while (!pending.empty()) {
+        const SVrnNode* node = pending.back();
+        pending.pop_back();
+        for (const auto& child : node->children) {
+            if (child.second->IsDir())
+                pending.push_back(child.second.get());
+            else
+                files.push_back(child.second.get());
+        }
+    }
+    std::vector<uint8_t> bytes;
+    for (const SVrnNode* file : files) {
+        const std::string name = file->path.substr(file->path.find('\\') + 1);  // without "root\"
+        if (!archive.FindEntry(name.c_str())) continue;
+        bytes.assign(size_t(std::max(archive.GetSize(), 1)), 0);
+        if (archive.Read(bytes.data(), 0)) continue;
+        out.insert(name);
+        if (log) log->Write("%s: the entry %s cannot be read (damaged archive)", archivePath, name.c_str());
+        fprintf(stderr, "ashen-oath: %s: the entry %s cannot be read (damaged archive)\n", archivePath, name.c_str());
+    }
+    return out;
 }
 
 }  // namespace
@@ -82,7 +118,8 @@ CGame::CGame() {
 }
 
 CGame::~CGame() {
-    // 1-2. Desktop depth and font table: nothing to restore on this platform.
+    // 1-2. The desktop's colour depth is never changed and the font is never
+    // added to the system's font table, so neither needs restoring.
     // 3. The hover sound belongs to the button class; the mouse device.
     PublishButtonGlobals(nullptr);
     if (m_pMouse) m_pMouse->ReleaseMouse();
@@ -231,15 +268,17 @@ int CGame::ReadGameIni(const char* fileName) {
     CopyField(m_szIniPack, ini.GetString("MDfile", "ini"));
     ini.Close();
     if (!ini.Open(fileName, m_szIniPack)) return 0;
-    for (int i = 0; i < 5; ++i) {
+    m_setUnreadableIni = UnreadableEntries(m_szIniPack, m_pLog);
+    if (m_setUnreadableIni.count(fileName)) return 0;
+    for (int i = 0; i < SPLASH_COUNT; ++i) {
         char section[32];
         snprintf(section, sizeof(section), "FlashWindow%d", i + 1);
         CopyField(m_szSplash[i], ini.GetString(section, "pic"));
     }
     CopyField(m_szStartMusic, ini.GetString("music", "start"));
     CopyField(m_szEndMusic, ini.GetString("music", "end"));
-    static const char* const kPackKeys[6] = {"role", "ui", "face", "items", "skill", "tiles"};
-    for (int pack = 0; pack < 6; ++pack) m_pGraph->SetPackPath(pack, ini.GetString("MDfile", kPackKeys[pack]).c_str());
+    for (int pack = 0; pack < PACK_COUNT; ++pack)
+        m_pGraph->SetPackPath(pack, ini.GetString("MDfile", PACK_KEYS[pack]).c_str());
     CopyField(m_szScriptPack, ini.GetString("MDfile", "script"));
     ini.Close();
     LoadMapRegistries();

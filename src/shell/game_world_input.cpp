@@ -8,6 +8,7 @@
 #include "media/window.h"
 #include "base/debug.h"
 #include "shell/game.h"
+#include "shell/game_modes.h"
 #include "world/map.h"
 
 namespace {
@@ -77,8 +78,8 @@ void CGame::OnWorldRButton() {
 }
 
 void CGame::OnRButtonDown() {
-    if (m_nGameState != GS_PLAY && m_nGameState != GS_INFO && m_nGameState != GS_PACK) return;
-    if (!m_bHandEmpty) return;
+    const SGameMode* mode = FindGameMode(m_nGameState);
+    if (!mode || !mode->heroKeys || !m_bHandEmpty) return;
     // The HUD takes right clicks on its bag grids first (player panel).
     if (HeroDead(*this)) return;
     const SPoint pt = WorldPoint(*this);

@@ -1,3 +1,5 @@
+// The automation harness around the game: the game folder, the launcher, quit
+// signals, the clock, the run summary and the exit code, and the PNG shots.
 #include "shell/harness.h"
 
 #include <spawn.h>
@@ -5,112 +7,56 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <sstream>
+#include <filesystem>
 
-#include "resources/png_file.h"
 #include "base/clock.h"
+#include "resources/png_file.h"
 
 extern char** environ;
 
 namespace {
 
-bool ParseInt64(const char* s, int64_t& out) {
-    if (!s || !*s) return false;
-    char* end = nullptr;
-    long long v = strtoll(s, &end, 10);
-    if (*end) return false;
-    out = v;
-    return true;
+volatile sig_atomic_t g_quitSignal = 0;
+
+// The first signal asks the loop to close the game. A second one before the loop
+// took the first (the game is stuck, say in a modal message box) ends the
+// process the default way.
+void OnQuitSignal(int sig) {
+    if (g_quitSignal) {
+        signal(sig, SIG_DFL);
+        raise(sig);
+        return;
+    }
+    g_quitSignal = 1;
 }
 
 }  // namespace
 
-bool ParseHarnessOptions(int argc, char** argv, SHarnessOptions& out, std::string& error) {
-    for (int i = 1; i < argc; ++i) {
-        std::string a = argv[i];
-        auto next = [&](const char* flag) -> const char* {
-            if (i + 1 >= argc) {
-                error = std::string(flag) + " needs a value";
-                return nullptr;
-            }
-            return argv[++i];
-        };
-        if (a == "--headless") {
-            out.headless = true;
-        } else if (a == "--uncapped") {
-            out.uncapped = true;
-        } else if (a == "--frames") {
-            const char* v = next("--frames");
-            if (!v || !ParseInt64(v, out.frames) || out.frames < 0) {
-                if (error.empty()) error = "--frames needs a non-negative number";
-                return false;
-            }
-        } else if (a == "--replay") {
-            const char* v = next("--replay");
-            if (!v) return false;
-            out.replayFile = v;
-        } else if (a == "--shot") {
-            const char* v = next("--shot");
-            if (!v) return false;
-            const char* colon = strchr(v, ':');
-            int64_t frame = 0;
-            if (!colon || !ParseInt64(std::string(v, colon).c_str(), frame) || !colon[1]) {
-                error = "--shot needs FRAME:FILE.png";
-                return false;
-            }
-            out.shots.emplace_back(frame, colon + 1);
-        } else if (a == "--clock") {
-            const char* v = next("--clock");
-            if (!v || !ParseInt64(v, out.clock)) {
-                if (error.empty()) error = "--clock needs UNIX seconds";
-                return false;
-            }
-        } else if (a == "--dump-state") {
-            const char* v = next("--dump-state");
-            if (!v) return false;
-            out.dumpState = v;
-        } else if (a == "--warp") {
-            const char* v = next("--warp");
-            if (!v) return false;
-            std::string s = v;
-            size_t c1 = s.find(':');
-            out.warpMap = s.substr(0, c1);
-            if (c1 != std::string::npos) {
-                size_t c2 = s.find(':', c1 + 1);
-                int64_t x = 0, y = 0;
-                if (c2 == std::string::npos || !ParseInt64(s.substr(c1 + 1, c2 - c1 - 1).c_str(), x) ||
-                    !ParseInt64(s.substr(c2 + 1).c_str(), y)) {
-                    error = "--warp needs MAP or MAP:X:Y";
-                    return false;
-                }
-                out.warpX = int32_t(x);
-                out.warpY = int32_t(y);
-            }
-            if (out.warpMap.empty()) {
-                error = "--warp needs a map name";
-                return false;
-            }
-        } else if (a == "--scale") {
-            const char* v = next("--scale");
-            int64_t s = 0;
-            if (!v || !ParseInt64(v, s) || s < 1 || s > 8) {
-                if (error.empty()) error = "--scale needs a number from 1 to 8";
-                return false;
-            }
-            out.scale = int(s);
-        }
-    }
-    return true;
-}
-
 void ApplyHarnessClock(const SHarnessOptions& options) {
     if (options.clock >= 0) clock_control::SetCalendarStart(options.clock);
     if (options.uncapped) clock_control::SetVirtualTicks(true);
+}
+
+std::string ExecutableFolder() {
+    char exe[4096];
+    const ssize_t n = readlink("/proc/self/exe", exe, sizeof exe - 1);
+    if (n <= 0) return "";
+    exe[n] = 0;
+    return std::filesystem::path(exe).parent_path().string();
+}
+
+std::string EnterGameFolder() {
+    if (access("game.ini", F_OK) == 0) return "";
+    const std::string folder = ExecutableFolder();
+    if (folder.empty() || access((folder + "/game.ini").c_str(), F_OK) != 0) return "";
+    if (chdir(folder.c_str()) != 0) return "";
+    return folder;
 }
 
 void StartLauncher(const char* parameters) {
@@ -127,14 +73,41 @@ void StartLauncher(const char* parameters) {
     signal(SIGCHLD, SIG_IGN);
 }
 
-void FinishHarness(CGame& game, std::chrono::steady_clock::time_point wallStart) {
+void InstallQuitSignals() {
+    struct sigaction sa;
+    memset(&sa, 0, sizeof sa);
+    sa.sa_handler = OnQuitSignal;
+    sigemptyset(&sa.sa_mask);
+    sa.sa_flags = SA_RESTART;
+    sigaction(SIGTERM, &sa, nullptr);
+    sigaction(SIGINT, &sa, nullptr);
+}
+
+bool TakeQuitSignal() {
+    if (!g_quitSignal) return false;
+    g_quitSignal = 0;
+    return true;
+}
+
+int FinishHarness(CGame& game, bool started, std::chrono::steady_clock::time_point wallStart) {
     const SHarnessOptions& o = game.Harness();
+    std::string error = game.HarnessError();
     if (!o.dumpState.empty()) {
+        bool written = false;
         if (FILE* f = fopen(o.dumpState.c_str(), "wb")) {
-            std::string json = game.DumpStateJson();
-            fwrite(json.data(), 1, json.size(), f);
-            fclose(f);
+            const std::string json = game.DumpStateJson();
+            written = fwrite(json.data(), 1, json.size(), f) == json.size();
+            written = fclose(f) == 0 && written;
         }
+        if (!written && error.empty()) error = "cannot write the state dump " + o.dumpState + ": " + strerror(errno);
+    }
+    if (started && error.empty()) {
+        for (const auto& shot : o.shots)
+            if (shot.first >= game.FrameCount()) {
+                error = "the shot of frame " + std::to_string(shot.first) + " (" + shot.second +
+                        ") was not taken: the run ended after " + std::to_string(game.FrameCount()) + " frames";
+                break;
+            }
     }
     if (o.frames >= 0) {
         auto wall = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - wallStart);
@@ -146,58 +119,15 @@ void FinishHarness(CGame& game, std::chrono::steady_clock::time_point wallStart)
                (long long)wall.count(), cpuMs, ru.ru_maxrss);
         fflush(stdout);
     }
-}
-
-bool ParseReplay(const std::string& text, std::vector<SReplayEvent>& out, std::string& error) {
-    std::istringstream in(text);
-    std::string line;
-    int lineNo = 0;
-    while (std::getline(in, line)) {
-        ++lineNo;
-        size_t hash = line.find('#');
-        if (hash != std::string::npos) line.resize(hash);
-        std::istringstream ls(line);
-        std::string frameText, verb;
-        if (!(ls >> frameText)) continue;  // blank or comment
-        SReplayEvent e;
-        int64_t frame = 0;
-        if (!ParseInt64(frameText.c_str(), frame) || frame < 0 || !(ls >> verb)) {
-            error = "replay line " + std::to_string(lineNo) + ": expected FRAME VERB";
-            return false;
-        }
-        e.frame = frame;
-        int argsWanted = 2;
-        if (verb == "move") e.kind = SReplayEvent::MOVE;
-        else if (verb == "ldown") e.kind = SReplayEvent::LDOWN;
-        else if (verb == "lup") e.kind = SReplayEvent::LUP;
-        else if (verb == "rdown") e.kind = SReplayEvent::RDOWN;
-        else if (verb == "rup") e.kind = SReplayEvent::RUP;
-        else if (verb == "key") { e.kind = SReplayEvent::KEY; argsWanted = 1; }
-        else if (verb == "quit") { e.kind = SReplayEvent::QUIT; argsWanted = 0; }
-        else {
-            error = "replay line " + std::to_string(lineNo) + ": unknown event '" + verb + "'";
-            return false;
-        }
-        if (argsWanted >= 1 && !(ls >> e.x)) {
-            error = "replay line " + std::to_string(lineNo) + ": missing argument";
-            return false;
-        }
-        if (argsWanted == 2 && !(ls >> e.y)) {
-            error = "replay line " + std::to_string(lineNo) + ": missing argument";
-            return false;
-        }
-        std::string extra;
-        if (ls >> extra) {
-            error = "replay line " + std::to_string(lineNo) + ": unexpected '" + extra + "'";
-            return false;
-        }
-        if (argsWanted == 2 && (e.x < 0 || e.x >= SCREEN_W || e.y < 0 || e.y >= SCREEN_H)) {
-            error = "replay line " + std::to_string(lineNo) + ": point outside 640 x 480";
-            return false;
-        }
-        out.push_back(e);
+    if (!error.empty()) {
+        fprintf(stderr, "ashen-oath: %s\n", error.c_str());
+        return EXIT_HARNESS_ERROR;
     }
-    return true;
+    if (o.frames < 0 || !started) return EXIT_GAME;
+    if (game.FrameCount() >= o.frames) return EXIT_HARNESS_DONE;
+    fprintf(stderr, "ashen-oath: the game ended after %lld of %lld frames\n", (long long)game.FrameCount(),
+            (long long)o.frames);
+    return EXIT_GAME;
 }
 
 bool WritePng565(const char* path, const uint16_t* pixels, int width, int height) {

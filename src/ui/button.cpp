@@ -71,7 +71,7 @@ void CButton::SetText(const char* text) {
 static void DrawBrightened(CGraph* g, int pack, const std::string& name, int32_t x, int32_t y) {
     int32_t w = 0, h = 0;
     if (!g->GetBitmapSize(pack, name.c_str(), &w, &h) || w <= 0 || h <= 0) return;
-    if (!g->LoadBitmapToSurface(pack, name.c_str(), SURF_ROLE, 0, 0, 0)) return;
+    if (!g->LoadBitmapToSurface(pack, name.c_str(), SURF_ROLE, 0, 0, BMP_CACHE_MAP)) return;
     g->BrightenRect(SURF_ROLE, 0, 0, w, h);
     g->BltFast(SURF_BUFFER, x, y, SURF_ROLE, SRect{0, 0, w, h}, BLT_WAIT_SRCKEY);
 }

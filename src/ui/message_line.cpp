@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "ui/richtext.h"
 
 void MessageLineShow(SMessageLine& line, const char* text) {
@@ -37,4 +39,9 @@ void MessageLineDraw(SMessageLine& line, CGraph& graph) {
     graph.HalfTintRect(SURF_BUFFER, box.left, box.top, box.right, box.bottom, 1);
     graph.DrawText(line.text, 320, (365 - size.y) / 2 + 2, SURF_BUFFER, TA_CENTER_TOP, RGB(255, 255, 255), 18);
     --line.framesLeft;
+}
+
+void MessageLineWriteState(const SMessageLine& line, StateJson& out) {
+    out["text"] = StateText(line.text, sizeof line.text);
+    out["frames_left"] = line.framesLeft;
 }

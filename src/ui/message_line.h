@@ -4,6 +4,7 @@
 #pragma once
 #include <cstdint>
 
+#include "base/state_json.h"
 #include "media/graph.h"
 
 constexpr int32_t MESSAGE_FRAMES = 70;
@@ -14,3 +15,5 @@ void MessageLineShow(SMessageLine& line, const char* text);
 SRect MessageLineBox(int32_t textWidth, int32_t textHeight);
 // Draws the line on the back buffer while it has frames left, and counts down.
 void MessageLineDraw(SMessageLine& line, CGraph& graph);
+// The dump's "message" part: the text and the frames it has left.
+void MessageLineWriteState(const SMessageLine& line, StateJson& out);

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "media/graph.h"
 #include "media/sound.h"
 #include "media/window.h"
@@ -147,4 +149,21 @@ void CPanel::AddLabel(CIni& ini, const char* section, int centred) {
     label.centred = centred;
     label.fontHeight = 20;
     m_vecLabels.push_back(std::move(label));
+}
+
+void CPanel::WriteState(StateJson& out) const {
+    int hovered = -1;
+    for (size_t i = 0; i < m_vecButtons.size(); ++i)
+        if (m_vecButtons[i].Hover()) hovered = int(i);
+    out["hovered"] = hovered;
+    StateJson& buttons = out["buttons"] = StateJson::array();
+    for (const CButton& b : m_vecButtons) buttons.push_back(StateText(b.Text().c_str()));
+    StateJson& labels = out["labels"] = StateJson::array();
+    for (const SLabel& l : m_vecLabels) {
+        StateJson label = StateJson::object();
+        label["first_line"] = l.firstLine;
+        StateJson& lines = label["lines"] = StateJson::array();
+        for (const std::string& line : l.lines) lines.push_back(StateText(line.c_str()));
+        labels.push_back(std::move(label));
+    }
 }

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/state_json.h"
 #include "base/types.h"
 #include "ui/button.h"
 
@@ -71,6 +72,9 @@ public:
     std::vector<CButton>& Buttons() { return m_vecButtons; }
     std::vector<SLabel>& Labels() { return m_vecLabels; }
     const std::string& BgPic() const { return m_strBgPic; }
+    // The dump's "panel" part: the hovered button (-1: none), the button texts
+    // and each label's lines with its scroll position.
+    void WriteState(StateJson& out) const;
 
 protected:
     // Layout helpers for the panels' Load operations.

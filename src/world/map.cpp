@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include <nlohmann/json.hpp>
+
 #include "base/byte_reader.h"
 #include "resources/ini.h"
 #include "base/debug.h"
@@ -169,4 +171,9 @@ bool CMap::GetCellLabel(std::string& out, int32_t x, int32_t y) const {
     if (size_t(c->exit) > m_labels.size()) return false;
     out = m_labels[c->exit - 1];
     return true;
+}
+
+void CMap::WriteState(StateJson& out) const {
+    out["map"] = StateText(m_header.fileName, sizeof m_header.fileName);
+    out["map_name"] = StateText(m_header.displayName, sizeof m_header.displayName);
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/state_json.h"
 #include "base/types.h"
 #include "world/map_file.h"
 
@@ -40,6 +41,8 @@ public:
 
     void GetHeader(uint32_t out[23]) const;
     const SMapHeader& Header() const { return m_header; }
+    // The dump's map part: "map" (file name) and "map_name" (display name).
+    void WriteState(StateJson& out) const;
     int32_t Size() const { return m_header.size; }
 
     SPoint GetCellPoint(int32_t i, int32_t j) const;

@@ -49,7 +49,7 @@ void DrawTiles(CGraph* graph, CMap* map, const char* iniPack, CLog* log) {
         for (int32_t k = 0; k < count; ++k) {
             const std::string name = TileName(t, prefix.c_str(), first, last, pad.c_str(), k);
             const SPoint at = TileSheetPos(k);
-            graph->LoadBitmapToSurface(5, name.c_str(), SURF_TILE, at.x, at.y, 1);
+            graph->LoadBitmapToSurface(PACK_TILES, name.c_str(), SURF_TILE, at.x, at.y, BMP_CACHE_GAME);
         }
         if (map) map->DrawTileType(graph, SURF_GROUND, SURF_TILE, t);
     }

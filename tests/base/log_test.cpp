@@ -26,7 +26,7 @@ std::string ReadFile(const fs::path& p) {
 }
 
 fs::path TempDir(const char* name) {
-    fs::path d = fs::temp_directory_path() / (std::string("ashen_") + name + "_" + std::to_string(getpid()));
+    fs::path d = fs::current_path() / (std::string("ashen_") + name + "_" + std::to_string(getpid()));
     fs::remove_all(d);
     fs::create_directories(d);
     return d;
@@ -94,6 +94,7 @@ TEST(EngineLog, MissingFolderIsNotAnError) {
 }
 
 TEST(CrashLog, SignalWritesThreeGbkLinesThenDiesByTheSignal) {
+    if (CrashLogSanitized()) GTEST_SKIP() << "a sanitised build leaves crashes to the sanitizer";
     fs::path dir = TempDir("crash");
     pid_t pid = fork();
     ASSERT_GE(pid, 0);

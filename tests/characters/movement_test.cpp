@@ -20,7 +20,7 @@ class Walkers : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
         s_old = fs::current_path();
-        const fs::path dir = fs::temp_directory_path() / ("ashen_walkers_" + std::to_string(getpid()));
+        const fs::path dir = fs::current_path() / ("ashen_walkers_" + std::to_string(getpid()));
         fs::create_directories(dir / "data");
         fs::current_path(dir);
         std::vector<SRoleAction> actions(3);

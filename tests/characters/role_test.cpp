@@ -41,7 +41,7 @@ class RoleFiles : public ::testing::Test {
 protected:
     void SetUp() override {
         m_old = fs::current_path();
-        m_dir = fs::temp_directory_path() /
+        m_dir = fs::current_path() /
                 ("ashen_roles_" + std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(m_dir);
         fs::create_directories(m_dir / "data");

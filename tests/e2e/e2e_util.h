@@ -1,4 +1,5 @@
-// Running the real game binary in a scratch copy of the game folder.
+// Running the real game binary in a scratch copy of the game folder, with the
+// replay files of tests/e2e/replays/ and the dumped state read as JSON.
 #pragma once
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+
+#include <nlohmann/json.hpp>
 
 namespace e2e {
 
@@ -26,9 +29,10 @@ inline void WriteFile(const fs::path& p, const std::string& text) {
     out << text;
 }
 
-// A fresh copy of the game folder (symlinking the big read-only files).
+// A fresh copy of the game folder (symlinking the big read-only files), inside
+// the test process's scratch folder (its working directory).
 inline fs::path CopyGame(const std::string& name) {
-    fs::path dst = fs::temp_directory_path() / ("ashen_e2e_" + name + "_" + std::to_string(getpid()));
+    fs::path dst = fs::current_path() / ("e2e_" + name);
     fs::remove_all(dst);
     fs::create_directories(dst);
     for (auto& e : fs::directory_iterator(ASHEN_GAME_DIR)) {
@@ -80,12 +84,19 @@ inline Result RunGame(const fs::path& dir, const std::string& args, const std::s
     return r;
 }
 
-// The integer value of a "key": in a flat JSON text, or fallback.
-inline long JsonInt(const std::string& json, const std::string& key, long fallback = -999999) {
-    std::string k = "\"" + key + "\":";
-    size_t p = json.find(k);
-    if (p == std::string::npos) return fallback;
-    return std::strtol(json.c_str() + p + k.size(), nullptr, 10);
+// A replay file of tests/e2e/replays/, by name.
+inline fs::path Replay(const std::string& name) {
+    return fs::path(ASHEN_SOURCE_DIR) / "tests" / "e2e" / "replays" / name;
+}
+
+// The dumped state; a discarded value (is_discarded()) when the file is missing
+// or not JSON.
+inline nlohmann::json ReadState(const fs::path& p) { return nlohmann::json::parse(ReadFile(p), nullptr, false); }
+
+// A top-level integer of the dumped state, or -999999 when it is not there.
+inline long StateInt(const nlohmann::json& state, const char* key) {
+    if (!state.is_object() || !state.contains(key) || !state[key].is_number_integer()) return -999999;
+    return state[key].get<long>();
 }
 
 }  // namespace e2e

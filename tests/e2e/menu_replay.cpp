@@ -1,7 +1,8 @@
-// The real binary, headless, driven by a replay through the menus: the splash
-// pictures into the main menu, the credits and back, the load panel (Esc and its
-// close button back to the main menu), and quit. The same replay runs with
-// several frame limits so the dumped mode can be checked at each step.
+// The real binary, headless, driven by the replays replays/menus.txt (the
+// splash pictures into the main menu, the credits and back, the load panel left
+// by Esc and by its close button, and quit) and replays/game_menu.txt (the game
+// menu's choices in play). The same replay runs with several frame limits so the
+// dumped mode can be checked at each step.
 #include <gtest/gtest.h>
 #include <png.h>
 
@@ -13,36 +14,6 @@
 using namespace e2e;
 
 namespace {
-
-// Frames of the replay (the main menu is steady from about frame 320 on).
-const char* const kReplay =
-    "# credits (the cursor rests on the button for a few frames first)\n"
-    "325 move 320 356\n"
-    "331 ldown 320 356\n"
-    "332 lup 320 356\n"
-    "# back to the main menu\n"
-    "370 move 300 240\n"
-    "371 ldown 300 240\n"
-    "372 lup 300 240\n"
-    "# the load panel, then Esc\n"
-    "400 move 320 302\n"
-    "401 ldown 320 302\n"
-    "402 lup 320 302\n"
-    "410 key 27\n"
-    "# the load panel again, then its close button\n"
-    "415 ldown 320 302\n"
-    "416 lup 320 302\n"
-    "420 move 493 75\n"
-    "421 ldown 493 75\n"
-    "422 lup 493 75\n"
-    "# the boss key and back; a screenshot in the main menu\n"
-    "426 key 120\n"
-    "428 key 120\n"
-    "429 key 122\n"
-    "# quit\n"
-    "430 move 320 410\n"
-    "431 ldown 320 410\n"
-    "432 lup 320 410\n";
 
 struct SShot {
     std::vector<uint8_t> rgb;
@@ -78,16 +49,16 @@ double Difference(const SShot& a, const SShot& b, int l, int t, int r, int bt) {
 long ModeAfter(const fs::path& dir, int frames, const std::string& extra = "") {
     fs::path state = dir / ("state_" + std::to_string(frames) + ".json");
     Result r = e2e::RunGame(dir, "action=play --headless --uncapped --clock 1299011409 --frames " + std::to_string(frames) +
-                            " --replay replay.txt --dump-state '" + state.string() + "' " + extra,
+                            " --replay '" + Replay("menus.txt").string() + "' --dump-state '" + state.string() +
+                            "' " + extra,
                    "ASHEN_LAUNCHER_NOEXEC=1");
-    return JsonInt(ReadFile(state), "mode");
+    return StateInt(ReadState(state), "mode");
 }
 
 }  // namespace
 
 TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
     fs::path dir = CopyGame("menu");
-    WriteFile(dir / "replay.txt", kReplay);
     // A saved game in slot 2 and a foreign file in slot 3.
     std::string slot(400, '\0');
     std::memcpy(&slot[0], "vnsv", 4);
@@ -112,10 +83,10 @@ TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
     // Quit fades out and ends the program before the frame limit.
     fs::path state = dir / "state_quit.json";
     Result r = e2e::RunGame(dir,
-                   "action=play --headless --uncapped --clock 1299011409 --frames 600 --replay replay.txt "
-                   "--dump-state '" + state.string() + "'",
+                   "action=play --headless --uncapped --clock 1299011409 --frames 600 --replay '" +
+                       Replay("menus.txt").string() + "' --dump-state '" + state.string() + "'",
                    "ASHEN_LAUNCHER_NOEXEC=1");
-    EXPECT_EQ(JsonInt(ReadFile(state), "mode"), 14) << r.err;  // GS_QUIT
+    EXPECT_EQ(StateInt(ReadState(state), "mode"), 14) << r.err;  // GS_QUIT
     long frames = -1;
     if (std::sscanf(r.out.c_str(), "frames=%ld", &frames) == 1) {
         EXPECT_LT(frames, 600);
@@ -155,30 +126,20 @@ TEST(MenuReplay, CreditsLoadPanelAndQuitByMouse) {
 // of the panels it opens, then back to the main menu.
 TEST(MenuReplay, GameMenuChoicesByMouseAndEsc) {
     fs::path dir = CopyGame("gamemenu");
-    WriteFile(dir / "replay.txt",
-              "30 key 27\n"                                     // game menu
-              "35 move 320 300\n36 ldown 320 300\n37 lup 320 300\n"  // help
-              "40 key 27\n"                                     // back to play
-              "45 key 27\n50 ldown 320 200\n51 lup 320 200\n"   // save panel
-              "55 ldown 493 75\n56 lup 493 75\n"                // its close button
-              "60 key 27\n65 ldown 320 250\n66 lup 320 250\n"   // load panel
-              "70 key 27\n"                                     // Esc: back to play
-              "75 key 27\n80 ldown 320 150\n81 lup 320 150\n"   // back to the game
-              "85 key 27\n90 ldown 320 360\n91 lup 320 360\n"); // main menu
     const std::pair<int, long> steps[] = {{33, 5}, {38, 15}, {42, 3}, {47, 5}, {52, 6}, {57, 3},
                                           {62, 5}, {67, 7},  {72, 3}, {77, 5}, {82, 3}, {87, 5}, {95, 1}, {115, 2}};
     for (const auto& [frames, mode] : steps) {
         fs::path state = dir / "state.json";
         std::string extra = "--warp main.map --frames " + std::to_string(frames);
         if (frames == 38) extra += " --shot 37:'" + (dir / "help.png").string() + "'";
-        RunGame(dir, "action=play --headless --uncapped --clock 1299011409 --replay replay.txt --dump-state '" +
-                         state.string() + "' " + extra,
+        RunGame(dir, "action=play --headless --uncapped --clock 1299011409 --replay '" +
+                         Replay("game_menu.txt").string() + "' --dump-state '" + state.string() + "' " + extra,
                 "ASHEN_LAUNCHER_NOEXEC=1");
-        const std::string json = ReadFile(state);
-        EXPECT_EQ(JsonInt(json, "mode"), mode) << "after " << frames << " frames";
+        const nlohmann::json json = ReadState(state);
+        EXPECT_EQ(StateInt(json, "mode"), mode) << "after " << frames << " frames";
         // Leaving the game clears the music flag; the main menu starts its music again.
         if (mode == 1 || mode == 2) {
-            EXPECT_EQ(JsonInt(json, "music_started"), mode == 2 ? 1 : 0);
+            EXPECT_EQ(StateInt(json, "music_started"), mode == 2 ? 1 : 0);
         }
         fs::remove(state);
     }

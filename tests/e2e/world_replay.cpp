@@ -1,5 +1,6 @@
 // The world end to end: the real game, headless, warped onto a map, steered by a
-// replayed mouse; the dumped state and the frames are checked.
+// replayed mouse (replays/world_*.txt); the dumped state and the frames are
+// checked.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -18,22 +19,22 @@ namespace fs = std::filesystem;
 namespace {
 
 struct SRun {
-    bool ok = false;    // ran all its frames and ended without a sanitizer report
-    std::string state;  // the dumped JSON
+    bool ok = false;       // ran all its frames and ended without a sanitizer report
+    nlohmann::json state;  // the dumped state
     std::string output;
 };
 
-// Runs the game in a scratch copy of its folder with the harness flags; extra
-// holds --shot etc.
+// Runs the game in a scratch copy of its folder with the harness flags and the
+// named replay of tests/e2e/replays/ ("" for none); extra holds --shot etc.
 SRun RunGame(const std::string& name, const std::string& warp, int frames, const std::string& replay,
              const std::string& extra = "") {
     const fs::path dir = e2e::CopyGame("world_" + name);
-    e2e::WriteFile(dir / "input.replay", replay);
+    const std::string replayFlag = replay.empty() ? "" : " --replay '" + e2e::Replay(replay).string() + "'";
     const e2e::Result res = e2e::RunGame(dir, "action=play --headless --uncapped --warp " + warp + " --frames " +
-                                               std::to_string(frames) + " --replay input.replay --dump-state state.json " +
-                                               extra);
+                                                  std::to_string(frames) + replayFlag + " --dump-state state.json " +
+                                                  extra);
     SRun r;
-    r.state = e2e::ReadFile(dir / "state.json");
+    r.state = e2e::ReadState(dir / "state.json");
     r.output = res.out + res.err;
     r.ok = res.out.find("frames=" + std::to_string(frames) + " ") != std::string::npos &&
            r.output.find("Sanitizer") == std::string::npos;
@@ -41,8 +42,9 @@ SRun RunGame(const std::string& name, const std::string& warp, int frames, const
     return r;
 }
 
+// Shots are kept in the test's scratch folder.
 fs::path ShotDir() {
-    const fs::path dir = fs::temp_directory_path() / ("ashen_world_shots_" + std::to_string(getpid()));
+    const fs::path dir = fs::current_path() / "world_shots";
     fs::create_directories(dir);
     return dir;
 }
@@ -59,28 +61,21 @@ SPoint StandSize() {
     return {};
 }
 
-// The text of a value in the dump: the first "key": after the given object key.
-std::string Field(const std::string& json, const std::string& object, const std::string& key) {
-    size_t at = 0;
+// A field of the dumped state: the top level (object "") or one of its objects;
+// null when it is not there.
+nlohmann::json Field(const nlohmann::json& state, const std::string& object, const std::string& key) {
+    const nlohmann::json* o = &state;
     if (!object.empty()) {
-        at = json.find("\"" + object + "\":");
-        if (at == std::string::npos) return "";
+        if (!state.is_object() || !state.contains(object)) return nullptr;
+        o = &state[object];
     }
-    at = json.find("\"" + key + "\":", at);
-    if (at == std::string::npos) return "";
-    at += key.size() + 3;
-    size_t end = at;
-    if (json[at] == '"') {
-        end = json.find('"', at + 1);
-        return json.substr(at + 1, end - at - 1);
-    }
-    while (end < json.size() && json[end] != ',' && json[end] != '}') ++end;
-    return json.substr(at, end - at);
+    if (!o->is_object() || !o->contains(key)) return nullptr;
+    return (*o)[key];
 }
 
-int IntField(const std::string& json, const std::string& object, const std::string& key) {
-    const std::string v = Field(json, object, key);
-    return v.empty() ? -99999 : std::atoi(v.c_str());
+int IntField(const nlohmann::json& state, const std::string& object, const std::string& key) {
+    const nlohmann::json v = Field(state, object, key);
+    return v.is_number_integer() ? v.get<int>() : -99999;
 }
 
 // Cell (i, j)'s box, as the map compiler lays the grid out.
@@ -101,7 +96,7 @@ TEST(WorldE2E, MapChangeFrameSequence) {
     for (const SStep& s : steps) {
         const SRun r = RunGame("sequence", "main.map", s.frames, "");
         ASSERT_TRUE(r.ok) << r.output;
-        EXPECT_EQ(Field(r.state, "", "mode_name"), s.mode) << "after " << s.frames << " frames: " << r.state;
+        EXPECT_EQ(Field(r.state, "", "mode_name"), s.mode) << "after " << s.frames << " frames: " << r.state.dump();
     }
     const SRun r = RunGame("sequence", "main.map", 30, "");
     EXPECT_EQ(Field(r.state, "", "map"), "main.map");
@@ -126,25 +121,21 @@ TEST(WorldE2E, HeldLeftButtonRunsTheHeroToThePoint) {
     // Release once to arm world clicks, then hold 100 pixels right of the hero
     // (the screen centre). The camera follows, so the held point keeps moving
     // ahead; after the release the hero runs on to the last point and stops.
-    const std::string replay =
-        "# arm, hold, release\n"
-        "32 lup 320 240\n"
-        "34 ldown 420 240\n"
-        "46 lup 420 240\n";
+    const std::string replay = "world_run.txt";  // release at 32, hold from 34 to 46
     const fs::path shot = ShotDir() / "world_run.png";
     fs::remove(shot);
     const SPoint stand = StandSize();
     SRun held = RunGame("held", "main.map", 44, replay);
     ASSERT_TRUE(held.ok) << held.output;
-    EXPECT_EQ(Field(held.state, "hero", "state"), "run") << held.state;
+    EXPECT_EQ(Field(held.state, "hero", "state"), "run") << held.state.dump();
     const SRun r = RunGame("run", "main.map", 90, replay, "--shot 42:" + shot.string());
     ASSERT_TRUE(r.ok) << r.output;
     const int x0 = BoxX(25, 25) + stand.x / 2, y0 = BoxY(25, 25) + 32 - stand.y / 2;
     const int x = IntField(r.state, "hero", "x"), y = IntField(r.state, "hero", "y");
     // 12 held frames at 6 pixels, then the last 100 pixels.
-    EXPECT_GE(x, x0 + 100 + 6 * 9) << r.state;
-    EXPECT_LE(x, x0 + 100 + 6 * 13) << r.state;
-    EXPECT_EQ(y, y0) << r.state;
+    EXPECT_GE(x, x0 + 100 + 6 * 9) << r.state.dump();
+    EXPECT_LE(x, x0 + 100 + 6 * 13) << r.state.dump();
+    EXPECT_EQ(y, y0) << r.state.dump();
     EXPECT_EQ(Field(r.state, "hero", "state"), "stand");
     EXPECT_EQ(IntField(r.state, "hero", "direction"), 3);
     EXPECT_EQ(IntField(r.state, "hero", "mp"), 50);  // fewer than 40 running steps
@@ -155,15 +146,12 @@ TEST(WorldE2E, HeldLeftButtonRunsTheHeroToThePoint) {
 
 TEST(WorldE2E, WalkingIntoAnExitLoadsTheOtherMap) {
     // Start near Ashvale's east gate and hold the button down-right, onto the exit.
-    const std::string replay =
-        "32 lup 320 240\n"
-        "34 ldown 448 304\n"
-        "60 lup 448 304\n";
+    const std::string replay = "world_exit.txt";
     const fs::path shot = ShotDir() / "world_greywood.png";
     fs::remove(shot);
     const SRun r = RunGame("exit", "main.map:46:23", 110, replay, "--shot 105:" + shot.string());
     ASSERT_TRUE(r.ok) << r.output;
-    EXPECT_EQ(Field(r.state, "", "map"), "greywood.map") << r.state;
+    EXPECT_EQ(Field(r.state, "", "map"), "greywood.map") << r.state.dump();
     EXPECT_EQ(Field(r.state, "", "map_name"), "Greywood");
     EXPECT_EQ(Field(r.state, "", "mode_name"), "GS_PLAY");
     // An exit puts the hero on the target's default start cell, Greywood's crossroads

@@ -75,7 +75,7 @@ TEST(Database, CountsPlaceholderAndMagic) {
 
 TEST(Database, LoadsFromDiskWithGameNames) {
     auto old = std::filesystem::current_path();
-    auto dir = std::filesystem::temp_directory_path() / ("ashen_db_test_" + std::to_string(getpid()));
+    auto dir = std::filesystem::current_path() / ("ashen_db_test_" + std::to_string(getpid()));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     std::filesystem::current_path(dir);

@@ -16,11 +16,12 @@ namespace mediatest {
 class ScratchDir {
 public:
     ScratchDir() {
-        char tmpl[] = "/tmp/ashen_media_XXXXXX";
-        const char* made = mkdtemp(tmpl);
-        path_ = made ? made : "/tmp";
+        // A fresh folder inside the test process's scratch folder.
         char buf[4096];
-        old_ = getcwd(buf, sizeof(buf)) ? buf : "/";
+        old_ = getcwd(buf, sizeof(buf)) ? buf : ".";
+        std::string tmpl = old_ + "/media_XXXXXX";
+        const char* made = mkdtemp(tmpl.data());
+        path_ = made ? made : old_;
         if (chdir(path_.c_str()) != 0) perror("chdir");
     }
     ~ScratchDir() {

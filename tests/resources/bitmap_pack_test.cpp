@@ -85,11 +85,13 @@ TEST_F(BitmapPacks, CachesKeysAndPackSwitches) {
 }
 
 TEST_F(BitmapPacks, MissingAndDamagedPictures) {
+    // A missing picture asked for every frame is reported once, not per frame.
     for (int i = 0; i < 3; ++i) EXPECT_FALSE(graph.LoadBitmapData(1, "nope.bmp", 0));
     EXPECT_FALSE(graph.DrawBitmapData(1, "nope.bmp", SURF_BUFFER, 0, 0, 0));
+    EXPECT_FALSE(graph.LoadBitmapData(1, "nope.bmp", 1));
     std::string log = restest::ReadText("GameEngine.log");
-    EXPECT_EQ(restest::CountLines(log, "can not find (bmp:)nope.bmp in (epk:)data\\ui.vrn"), 3);
-    EXPECT_EQ(restest::CountLines(log, "can not find"), 3);
+    EXPECT_EQ(restest::CountLines(log, "can not find (bmp:)nope.bmp in (epk:)data\\ui.vrn"), 1);
+    EXPECT_EQ(restest::CountLines(log, "can not find"), 1);
     // Folders are not pictures; forward slashes are not separators.
     EXPECT_FALSE(graph.LoadBitmapData(5, "1", 0));
     EXPECT_FALSE(graph.LoadBitmapData(5, "1/ab001.bmp", 0));
@@ -101,6 +103,9 @@ TEST_F(BitmapPacks, MissingAndDamagedPictures) {
     EXPECT_FALSE(graph.LoadBitmapToSurface(1, "lies.bmp", SURF_BUFFER, 0, 0, 0));
     EXPECT_FALSE(graph.DrawBitmap(1, "lies.bmp", SURF_BUFFER, 0, 0));
     for (uint16_t p : s->pixels) ASSERT_EQ(p, 0x1111);
+    for (int i = 0; i < 3; ++i) EXPECT_FALSE(graph.LoadBitmapToSurface(1, "bad.bmp", SURF_BUFFER, 0, 0, 0));
+    log = restest::ReadText("GameEngine.log");
+    EXPECT_EQ(restest::CountLines(log, "bad bitmap (bmp:)bad.bmp in (epk:)data\\ui.vrn"), 1);
 
     // A pack file that is not there: its message, nothing found, and the
     // pack that was open before is opened again when asked for.
@@ -108,6 +113,15 @@ TEST_F(BitmapPacks, MissingAndDamagedPictures) {
     EXPECT_FALSE(graph.LoadBitmapData(2, "x.bmp", 0));
     EXPECT_EQ(restest::Boxes().size(), 1u);
     EXPECT_TRUE(graph.LoadBitmapData(5, "obj.bmp", 0));
+    // It is not opened again for other pictures: one message box in all.
+    for (int i = 0; i < 3; ++i) EXPECT_FALSE(graph.LoadBitmapData(2, ("y" + std::to_string(i) + ".bmp").c_str(), 0));
+    EXPECT_EQ(restest::Boxes().size(), 1u);
+    // A pack without an archive name says which game.ini key is empty, once.
+    graph.SetPackPath(3, "");
+    for (int i = 0; i < 3; ++i) EXPECT_FALSE(graph.LoadBitmapData(3, ("z" + std::to_string(i) + ".bmp").c_str(), 0));
+    EXPECT_EQ(restest::Boxes().size(), 1u);
+    log = restest::ReadText("GameEngine.log");
+    EXPECT_EQ(restest::CountLines(log, "picture pack 3 has no archive: [MDfile] items is empty in game.ini"), 1);
     // Bad arguments.
     EXPECT_FALSE(graph.LoadBitmapData(6, "a.bmp", 0));
     EXPECT_FALSE(graph.LoadBitmapData(-1, "a.bmp", 0));

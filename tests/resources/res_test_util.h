@@ -25,9 +25,10 @@ inline void RecordBox(const char* text, const char*, int) { Boxes().push_back(te
 class ScratchDir {
 public:
     ScratchDir() {
-        char tmpl[] = "/tmp/ashen_res_XXXXXX";
-        dir_ = mkdtemp(tmpl);
+        // A fresh folder inside the test process's scratch folder.
         old_ = std::filesystem::current_path();
+        std::string tmpl = (old_ / "res_XXXXXX").string();
+        dir_ = mkdtemp(tmpl.data());
         std::filesystem::current_path(dir_);
         Boxes().clear();
         SetMessageBoxObserver(&RecordBox);

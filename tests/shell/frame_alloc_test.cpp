@@ -1,15 +1,14 @@
 // The playing loop allocates nothing per frame: menus and the map, standing and
 // running, counted through the global allocation operators of this test program.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cstdlib>
 #include <new>
 
+#include "../common/game_fixture.h"
 #include "characters/role.h"
 #include "media/window.h"
-#include "base/clock.h"
 #include "shell/game.h"
 
 namespace {
@@ -45,50 +44,37 @@ long CountFrames(CGame& game, int frames) {
 
 }  // namespace
 
-TEST(FrameAllocations, MenuAndMapFramesAllocateNothing) {
-    char old[1024];
-    ASSERT_NE(getcwd(old, sizeof(old)), nullptr);
-    ASSERT_EQ(chdir(ASHEN_GAME_DIR), 0);
-    platform::SOptions o;
-    o.headless = true;
-    ASSERT_TRUE(platform::Init(o));
-    clock_control::SetCalendarStart(1299011409);
-    {
-        CGame game;
-        ASSERT_EQ(game.Init(1), 1);
-        ASSERT_TRUE(platform::CreateMainWindow(true, &CGame::WindowProc));
-        // The main menu, after its fade-in; the first frames fill the caches.
-        game.m_nSplashCounter = 5;
-        game.m_nGameState = GS_MAINMENU;
-        for (int i = 0; i < 30; ++i) game.UpdateFrame();
-        ASSERT_EQ(game.m_nGameState, GS_MAINMENU);
-        EXPECT_EQ(CountFrames(game, 50), 0);
+using FrameAllocations = CGameTest;
 
-        // A new game on the first map.
-        game.ChangeMap("main.map", -1, -1, 5, 1);
-        for (int i = 0; i < 60 && !(game.m_nGameState == GS_PLAY && game.m_fade.phase == 2); ++i) game.UpdateFrame();
-        ASSERT_EQ(game.m_nGameState, GS_PLAY);
-        for (int i = 0; i < 20; ++i) game.UpdateFrame();
-        EXPECT_EQ(CountFrames(game, 50), 0) << "standing";
-        // Holding the left button: the hero runs toward the point every frame.
-        // The first run meets new position texts (each is rendered once and
-        // cached); the same run again must not allocate at all.
-        ASSERT_NE(game.m_pRole, nullptr);
-        const int32_t x0 = game.m_pRole->m_x, y0 = game.m_pRole->m_y, d0 = game.m_pRole->m_nDir;
-        for (int pass = 0; pass < 2; ++pass) {
-            game.m_pRole->SetPosition(x0, y0, d0);
-            game.m_pRole->Stand();
-            game.m_bWorldClickArmed = 1;
-            platform::InjectButton(0, true, 560, 420);
-            long n = CountFrames(game, 50);
-            if (pass == 1) {
-                EXPECT_EQ(n, 0) << "running";
-            }
-            platform::InjectButton(0, false, 560, 420);
+TEST_F(FrameAllocations, MenuAndMapFramesAllocateNothing) {
+    ASSERT_NO_FATAL_FAILURE(StartGame());
+    ASSERT_TRUE(platform::CreateMainWindow(true, &CGame::WindowProc));
+    // The main menu, after its fade-in; the first frames fill the caches.
+    ToMainMenu();
+    Frames(30);
+    ASSERT_EQ(game->m_nGameState, GS_MAINMENU);
+    EXPECT_EQ(CountFrames(*game, 50), 0);
+
+    // A new game on the first map.
+    PlayOn("main.map");
+    ASSERT_EQ(game->m_nGameState, GS_PLAY);
+    Frames(20);
+    EXPECT_EQ(CountFrames(*game, 50), 0) << "standing";
+    // Holding the left button: the hero runs toward the point every frame.
+    // The first run meets new position texts (each is rendered once and
+    // cached); the same run again must not allocate at all.
+    ASSERT_NE(game->m_pRole, nullptr);
+    const int32_t x0 = game->m_pRole->m_x, y0 = game->m_pRole->m_y, d0 = game->m_pRole->m_nDir;
+    for (int pass = 0; pass < 2; ++pass) {
+        game->m_pRole->SetPosition(x0, y0, d0);
+        game->m_pRole->Stand();
+        game->m_bWorldClickArmed = 1;
+        platform::InjectButton(0, true, 560, 420);
+        long n = CountFrames(*game, 50);
+        if (pass == 1) {
+            EXPECT_EQ(n, 0) << "running";
         }
-        EXPECT_NE(game.m_pRole->m_x, x0);  // it did run
+        platform::InjectButton(0, false, 560, 420);
     }
-    clock_control::Reset();
-    platform::Shutdown();
-    ASSERT_EQ(chdir(old), 0);
+    EXPECT_NE(game->m_pRole->m_x, x0);  // it did run
 }

@@ -1,8 +1,12 @@
 // The harness's flags and replay files, and the PNG frame dump.
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <png.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -27,7 +31,7 @@ TEST(Harness, FlagsAreParsedAndBadValuesRefused) {
     SHarnessOptions o;
     std::string err;
     ASSERT_TRUE(Parse({"action=play", "--headless", "--uncapped", "--frames", "120", "--shot", "7:a.png", "--shot",
-                       "90:/tmp/b:c.png", "--clock", "1299011409", "--dump-state", "s.json", "--warp",
+                       "90:shots/b:c.png", "--clock", "1299011409", "--dump-state", "s.json", "--warp",
                        "main.map:10:12", "--scale", "2"},
                       o, err))
         << err;
@@ -36,7 +40,7 @@ TEST(Harness, FlagsAreParsedAndBadValuesRefused) {
     EXPECT_EQ(o.frames, 120);
     ASSERT_EQ(o.shots.size(), 2u);
     EXPECT_EQ(o.shots[0].first, 7);
-    EXPECT_EQ(o.shots[1].second, "/tmp/b:c.png");  // only the first colon splits
+    EXPECT_EQ(o.shots[1].second, "shots/b:c.png");  // only the first colon splits
     EXPECT_EQ(o.clock, 1299011409);
     EXPECT_EQ(o.warpMap, "main.map");
     EXPECT_EQ(o.warpX, 10);
@@ -94,7 +98,7 @@ TEST(Harness, PngDumpRoundTripsPureColours) {
     px[0] = 0xF800;              // red
     px[1] = 0x07E0;              // green
     px[640 * 479 + 639] = 0xFFFF;  // white
-    std::string path = (std::filesystem::temp_directory_path() / ("ashen_png_test.png_" + std::to_string(getpid()))).string();
+    std::string path = (std::filesystem::current_path() / ("ashen_png_test.png_" + std::to_string(getpid()))).string();
     ASSERT_TRUE(WritePng565(path.c_str(), px.data(), 640, 480));
     png_image img;
     memset(&img, 0, sizeof(img));
@@ -113,4 +117,120 @@ TEST(Harness, PngDumpRoundTripsPureColours) {
     EXPECT_EQ(rgb[last + 2], 255);
     EXPECT_EQ(rgb[3 * 2], 0);
     std::remove(path.c_str());
+}
+
+TEST(Harness, UnknownFlagsMalformedAndOutOfRangeNumbersAreErrors) {
+    // Words without a dash are left to the game ("action=play").
+    SHarnessOptions ok;
+    std::string err;
+    EXPECT_TRUE(Parse({"action=play", "whatever=1", "--frames", "1"}, ok, err)) << err;
+    struct SCase {
+        std::vector<std::string> args;
+        const char* message;  // part of the error
+    } cases[] = {
+        {{"--frame", "30"}, "unknown flag --frame"},
+        {{"--frames=30"}, "write --frames 30"},
+        {{"-h"}, "unknown flag -h"},
+        {{"--frames", "0"}, "--frames"},
+        {{"--frames", "99999999999999999999"}, "--frames"},
+        {{"--frames", " 5"}, "--frames"},
+        {{"--frames", "+5"}, "--frames"},
+        {{"--clock", "-5"}, "--clock"},
+        {{"--clock", "18446744073709551616"}, "--clock"},
+        {{"--shot", "-1:a.png"}, "--shot"},
+        {{"--warp", "main.map:-1:3"}, "outside the map"},
+        {{"--warp", "main.map:3:4294967296"}, "outside the map"},
+        {{"--scale", "9"}, "--scale"},
+    };
+    for (const SCase& c : cases) {
+        SHarnessOptions o;
+        std::string e;
+        EXPECT_FALSE(Parse(c.args, o, e)) << c.args[0];
+        EXPECT_NE(e.find(c.message), std::string::npos) << e;
+    }
+}
+
+TEST(Harness, HarnessFilesAreBoundedRegularFilesAndWritablePaths) {
+    namespace fs = std::filesystem;
+    fs::create_directories("harness_files");
+    std::string text, err;
+    {
+        std::FILE* f = std::fopen("harness_files/replay.txt", "wb");
+        ASSERT_NE(f, nullptr);
+        std::fputs("# nothing\n1 key 27\n", f);
+        std::fclose(f);
+    }
+    EXPECT_TRUE(ReadBoundedFile("harness_files/replay.txt", 1000, text, err)) << err;
+    EXPECT_EQ(text, "# nothing\n1 key 27\n");
+    // Too large for the bound; a folder; a missing file.
+    EXPECT_FALSE(ReadBoundedFile("harness_files/replay.txt", 10, text, err));
+    EXPECT_NE(err.find("larger than 10 bytes"), std::string::npos) << err;
+    EXPECT_FALSE(ReadBoundedFile("harness_files", 1000, text, err));
+    EXPECT_NE(err.find("not a regular file"), std::string::npos) << err;
+    EXPECT_FALSE(ReadBoundedFile("harness_files/none.txt", 1000, text, err));
+    // A FIFO nobody writes to and an endless device are refused at once
+    // instead of blocking or reading for ever.
+    ASSERT_EQ(mkfifo("harness_files/fifo", 0600), 0);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(ReadBoundedFile("harness_files/fifo", REPLAY_MAX_BYTES, text, err));
+    EXPECT_NE(err.find("not a regular file"), std::string::npos) << err;
+    EXPECT_FALSE(ReadBoundedFile("/dev/zero", REPLAY_MAX_BYTES, text, err));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+
+    // Outputs: a new file in an existing folder, or an existing regular file.
+    EXPECT_TRUE(CheckWritablePath("harness_files/new.png", err)) << err;
+    EXPECT_TRUE(CheckWritablePath("harness_files/replay.txt", err)) << err;
+    EXPECT_FALSE(CheckWritablePath("harness_files/no_such_folder/s.json", err));
+    EXPECT_NE(err.find("does not exist"), std::string::npos) << err;
+    EXPECT_FALSE(CheckWritablePath("harness_files", err));
+    EXPECT_FALSE(CheckWritablePath("", err));
+
+    // A bad replay line stops the run with the file and the line named.
+    SHarnessOptions o;
+    {
+        std::FILE* f = std::fopen("harness_files/bad.txt", "wb");
+        ASSERT_NE(f, nullptr);
+        std::fputs("1 move 2 3\n2 jump 1 2\n", f);
+        std::fclose(f);
+    }
+    o.replayFile = "harness_files/bad.txt";
+    EXPECT_FALSE(PrepareHarnessFiles(o, err));
+    EXPECT_NE(err.find("harness_files/bad.txt: replay line 2: unknown event 'jump'"), std::string::npos) << err;
+    o.replayFile = "harness_files/replay.txt";
+    ASSERT_TRUE(PrepareHarnessFiles(o, err)) << err;
+    ASSERT_EQ(o.replay.size(), 1u);
+    EXPECT_EQ(o.replay[0].kind, SReplayEvent::KEY);
+    o.dumpState = "harness_files/no_such_folder/s.json";
+    EXPECT_FALSE(PrepareHarnessFiles(o, err));
+    EXPECT_EQ(err.rfind("--dump-state: ", 0), 0u) << err;
+    o.dumpState.clear();
+    o.shots.emplace_back(3, "harness_files");
+    EXPECT_FALSE(PrepareHarnessFiles(o, err));
+    EXPECT_EQ(err.rfind("--shot: ", 0), 0u) << err;
+}
+
+TEST(Harness, QuitSignalsOnlyRaiseAFlag) {
+    InstallQuitSignals();
+    EXPECT_FALSE(TakeQuitSignal());
+    std::raise(SIGTERM);
+    EXPECT_TRUE(TakeQuitSignal());
+    EXPECT_FALSE(TakeQuitSignal());  // taken once
+    std::raise(SIGINT);
+    EXPECT_TRUE(TakeQuitSignal());
+    std::signal(SIGTERM, SIG_DFL);
+    std::signal(SIGINT, SIG_DFL);
+
+    // A game that does not take the first signal (stuck) ends on the second.
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+        InstallQuitSignals();
+        std::raise(SIGTERM);
+        std::raise(SIGTERM);
+        _exit(0);  // not reached
+    }
+    int status = 0;
+    waitpid(pid, &status, 0);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
 }

@@ -1,52 +1,23 @@
 // The game loop's frame pacing and the fade and splash state machine, frame by
 // frame, on the real game data.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <string>
 
+#include "../common/game_fixture.h"
+#include "base/clock.h"
 #include "media/graph.h"
 #include "media/window.h"
-#include "base/clock.h"
 #include "shell/game.h"
+#include "shell/harness.h"
 
-namespace {
+using GameLoop = CGameTest;
 
-// The game object works in the game folder; SDL runs headless.
-class GameFolder : public ::testing::Test {
-protected:
-    void SetUp() override {
-        ASSERT_NE(getcwd(m_old, sizeof(m_old)), nullptr);
-        ASSERT_EQ(chdir(ASHEN_GAME_DIR), 0);
-        platform::SOptions o;
-        o.headless = true;
-        ASSERT_TRUE(platform::Init(o));
-        clock_control::SetVirtualTicks(true);
-        clock_control::SetTicks(100000);
-    }
-    void TearDown() override {
-        platform::Shutdown();
-        clock_control::Reset();
-        ASSERT_EQ(chdir(m_old), 0);
-    }
-    char m_old[1024] = {0};
-};
-
-// Runs frames until the mode leaves `mode`; returns how many frames ran in it.
-int FramesIn(CGame& g, int mode, int limit = 1000) {
-    int n = 0;
-    while (g.m_nGameState == mode && n < limit) {
-        g.UpdateFrame();
-        ++n;
-    }
-    return n;
-}
-
-}  // namespace
-
-TEST_F(GameFolder, FortyMillisecondsRunNoFrameFortyOneRunOne) {
-    CGame game;
+TEST_F(GameLoop, FortyMillisecondsRunNoFrameFortyOneRunOne) {
+    ASSERT_NO_FATAL_FAILURE(StartGame(false));
+    CGame& game = *this->game;
     int code = 0;
     // A headless main window routes messages to the game's window procedure; its
     // first message is the activation.
@@ -82,9 +53,9 @@ TEST_F(GameFolder, FortyMillisecondsRunNoFrameFortyOneRunOne) {
     platform::SendMessage(UM_SETGAME, 0, 0);
 }
 
-TEST_F(GameFolder, FadeOutAndInTakeEightFramesEach) {
-    CGame game;
-    ASSERT_EQ(game.Init(1), 1);
+TEST_F(GameLoop, FadeOutAndInTakeEightFramesEach) {
+    ASSERT_NO_FATAL_FAILURE(StartGame());
+    CGame& game = *this->game;
     game.m_nGameState = GS_PLAY;
     game.StartFade(1, GS_MAINMENU);
     EXPECT_EQ(game.m_nGameState, GS_FADE);
@@ -107,15 +78,15 @@ TEST_F(GameFolder, FadeOutAndInTakeEightFramesEach) {
     EXPECT_EQ(game.m_fade.phase, 2);
 }
 
-TEST_F(GameFolder, SplashPictureTakesSixtyOneFramesAndAClickShowsItAtOnce) {
-    CGame game;
-    ASSERT_EQ(game.Init(1), 1);
+TEST_F(GameLoop, SplashPictureTakesSixtyOneFramesAndAClickShowsItAtOnce) {
+    ASSERT_NO_FATAL_FAILURE(StartGame());
+    CGame& game = *this->game;
     ASSERT_STRNE(game.m_szSplash[0], "");
     // First picture: one splash frame, then 8 + 41 + 12 fade frames.
     game.UpdateFrame();
     ASSERT_EQ(game.m_nGameState, GS_FADE);
     EXPECT_EQ(game.m_fade.kind, 2);
-    EXPECT_EQ(FramesIn(game, GS_FADE), 61);
+    EXPECT_EQ(FramesIn(GS_FADE), 61);
     EXPECT_EQ(game.m_nGameState, GS_SPLASH);
     EXPECT_EQ(game.m_nSplashCounter, 1);
     // Second picture: a click after three fade-in frames shows it undarkened.
@@ -139,12 +110,12 @@ TEST_F(GameFolder, SplashPictureTakesSixtyOneFramesAndAClickShowsItAtOnce) {
             same += back->At(x0 + x, y0 + y) == s;
         }
     EXPECT_EQ(same, total);
-    EXPECT_EQ(FramesIn(game, GS_FADE), 41 + 12);
+    EXPECT_EQ(FramesIn(GS_FADE), 41 + 12);
 }
 
-TEST_F(GameFolder, AllSplashPicturesNullReachTheMenuAfterFiveFrames) {
-    CGame game;
-    ASSERT_EQ(game.Init(1), 1);
+TEST_F(GameLoop, AllSplashPicturesNullReachTheMenuAfterFiveFrames) {
+    ASSERT_NO_FATAL_FAILURE(StartGame());
+    CGame& game = *this->game;
     for (auto& s : game.m_szSplash) strcpy(s, "null");
     strcpy(game.m_szSplash[2], "");
     for (int i = 0; i < 4; ++i) {
@@ -160,15 +131,31 @@ TEST_F(GameFolder, AllSplashPicturesNullReachTheMenuAfterFiveFrames) {
     game.UpdateFrame();
     EXPECT_EQ(game.m_nGameState, GS_FADE);
     EXPECT_EQ(game.m_fade.kind, 0);
-    EXPECT_EQ(FramesIn(game, GS_FADE), 8);
+    EXPECT_EQ(FramesIn(GS_FADE), 8);
     EXPECT_EQ(game.m_nGameState, GS_MAINMENU);
 }
 
-TEST_F(GameFolder, MissingSplashPictureIsPassedOver) {
-    CGame game;
-    ASSERT_EQ(game.Init(1), 1);
+TEST_F(GameLoop, MissingSplashPictureIsPassedOver) {
+    ASSERT_NO_FATAL_FAILURE(StartGame());
+    CGame& game = *this->game;
     strcpy(game.m_szSplash[0], "ui/no_such_picture.bmp");
     game.UpdateFrame();
     EXPECT_EQ(game.m_nGameState, GS_SPLASH);
     EXPECT_EQ(game.m_nSplashCounter, 1);
+}
+
+TEST_F(GameLoop, QuitSignalEndsTheLoopAsAClosedWindowDoes) {
+    ASSERT_NO_FATAL_FAILURE(StartGame(false));
+    ASSERT_TRUE(platform::CreateMainWindow(true, &CGame::WindowProc));
+    platform::SendMessage(UM_SETGAME, reinterpret_cast<uintptr_t>(game.get()), 0);
+    InstallQuitSignals();
+    std::raise(SIGTERM);
+    int code = -1, passes = 0;
+    while (game->RunOnce(code) && passes < 100) ++passes;
+    EXPECT_LT(passes, 100);
+    EXPECT_EQ(code, 0);  // WM_CLOSE, WM_DESTROY, then the quit message
+    EXPECT_FALSE(platform::HasMainWindow());
+    std::signal(SIGTERM, SIG_DFL);
+    std::signal(SIGINT, SIG_DFL);
+    platform::SendMessage(UM_SETGAME, 0, 0);
 }

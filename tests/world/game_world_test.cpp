@@ -1,12 +1,14 @@
 // The game's world step: picking characters, the hero's probe against the map
 // and the role layer, exits starting a map change, the state dump.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 
+#include <nlohmann/json.hpp>
+
+#include "../common/game_fixture.h"
 #include "characters/role.h"
 #include "resources/vrn_writer.h"
 #include "media/graph.h"
@@ -48,14 +50,12 @@ std::vector<uint8_t> HalfBmp(int w, int h) {
 
 // A game with its display surfaces, a 50 x 50 map with one exit cell and a
 // blocked cell, and roles made from a small role file.
-class GameWorld : public ::testing::Test {
+class GameWorld : public CGameTest {
 protected:
     void SetUp() override {
-        m_old = fs::current_path();
-        m_dir = fs::temp_directory_path() / ("ashen_game_world_" + std::to_string(getpid()));
-        fs::remove_all(m_dir);
-        fs::create_directories(m_dir / "data");
-        fs::current_path(m_dir);
+        CGameTest::SetUp();
+        ASSERT_NO_FATAL_FAILURE(BareGame());
+        fs::create_directories("data");
         std::vector<SRoleAction> actions(3);
         const char* names[3] = {"stand", "walk", "run"};
         for (int a = 0; a < 3; ++a) {
@@ -75,14 +75,7 @@ protected:
         ASSERT_TRUE(BuildVrnArchive({{"t\\half.bmp", HalfBmp(40, 80)}}, VRN_COMPRESS_NEVER, &pack, &error)) << error;
         std::ofstream("data/role.vrn", std::ios::binary).write(reinterpret_cast<const char*>(pack.data()),
                                                               std::streamsize(pack.size()));
-
-        game = std::make_unique<CGame>();
-        game->m_pGraph->SetPackPath(0, "data\\role.vrn");
-        const int sizes[SURF_COUNT][3] = {{640, 480, 0},   {640, 480, 0},   {3200, 1600, 0}, {3200, 1600, 1},
-                                          {3200, 1600, 1}, {640, 640, 1},   {2048, 1600, 1}, {640, 480, 1}};
-        for (int i = 0; i < SURF_COUNT; ++i)
-            game->m_pGraph->GetSurface(i)->Create(sizes[i][0], sizes[i][1], sizes[i][2] != 0);
-        game->m_pGraph->FillRect(SURF_ROLE, nullptr, KEY565);
+        game->m_pGraph->SetPackPath(PACK_ROLE, "data\\role.vrn");
 
         // Map: all crossable; cell (30, 20) blocked; cell (20, 30) an exit.
         SMapHeader h{};
@@ -106,17 +99,14 @@ protected:
         f.write(reinterpret_cast<const char*>(&h), sizeof h);
         f.write(reinterpret_cast<const char*>(cells.data()), std::streamsize(cells.size() * sizeof(SMapCell)));
         f.close();
-        game->m_pMap->SetRegistries("[count]\r\ncount=1\r\n[comment]\r\n1=To Greywood\r\n[name]\r\n1=greywood.map\r\n",
-                                    "");
-        ASSERT_TRUE(game->m_pMap->Load("map.map", nullptr));
-        game->m_pMap->GetHeader(game->m_mapInfo.words);
-        game->m_nGameState = GS_PLAY;
+        ASSERT_NO_FATAL_FAILURE(
+            UseMap("map.map", "[count]\r\ncount=1\r\n[comment]\r\n1=To Greywood\r\n[name]\r\n1=greywood.map\r\n"));
     }
     void TearDown() override {
-        game->m_vecVisibleRoles.clear();
+        if (game) game->m_vecVisibleRoles.clear();
         for (CRole* r : m_npcs) delete r;
-        game.reset();
-        fs::current_path(m_old);
+        m_npcs.clear();
+        CGameTest::TearDown();
     }
     // A role whose picture centre is at (x, y), standing.
     CRole* Role(int x, int y, int id) {
@@ -142,9 +132,7 @@ protected:
         game->m_pGraph->FillRect(SURF_ROLE, &rc, colour);
     }
 
-    std::unique_ptr<CGame> game;
     std::vector<CRole*> m_npcs;
-    fs::path m_old, m_dir;
 };
 
 SPoint Centre(int i, int j) { return SPoint{1568 + (i - j) * 32, (i + j) * 16 + 16}; }
@@ -236,14 +224,15 @@ TEST_F(GameWorld, StateDumpFields) {
     AddHero(1572, 788);
     game->m_pRole->m_nMoney = 12;
     game->m_ptCamera = SPoint{1252, 548};
-    std::string json = "{\"mode\":3";
-    game->DumpWorldState(json);
-    json += "}";
-    EXPECT_NE(json.find(",\"map\":\"main.map\",\"map_name\":\"Ash\\\"vale\""), std::string::npos) << json;
-    EXPECT_NE(json.find("\"hero\":{\"x\":1572,\"y\":788,\"direction\":5,\"state\":\"stand\",\"hp\":10,"
-                        "\"max_hp\":10,\"mp\":50,\"max_mp\":50,\"attack\":1,\"defence\":0,\"hit_rate\":30,"
-                        "\"level\":1,\"exp\":0,\"next_exp\":100,\"money\":12,\"moral\":50}"),
-              std::string::npos)
-        << json;
-    EXPECT_NE(json.find(",\"camera\":{\"x\":1252,\"y\":548}}"), std::string::npos) << json;
+    const nlohmann::json state = nlohmann::json::parse(game->DumpStateJson(), nullptr, false);
+    ASSERT_TRUE(state.is_object()) << game->DumpStateJson();
+    EXPECT_EQ(state["mode"], 3);
+    EXPECT_EQ(state["map"], "main.map");
+    EXPECT_EQ(state["map_name"], "Ash\"vale");
+    const nlohmann::json expectedHero = {{"x", 1572},     {"y", 788},      {"direction", 5}, {"state", "stand"},
+                                         {"hp", 10},      {"max_hp", 10},  {"mp", 50},       {"max_mp", 50},
+                                         {"attack", 1},   {"defence", 0},  {"hit_rate", 30}, {"level", 1},
+                                         {"exp", 0},      {"next_exp", 100}, {"money", 12},  {"moral", 50}};
+    EXPECT_EQ(state["hero"], expectedHero) << state.dump();
+    EXPECT_EQ(state["camera"], nlohmann::json({{"x", 1252}, {"y", 548}})) << state.dump();
 }

@@ -48,7 +48,7 @@ bool LoadCells(CMap& map, const std::vector<SMapCell>& cells, int32_t n, const s
     std::memcpy(h.magic, "2pam", 4);
     h.size = n;
     h.objectCount = int32_t(objects.size());
-    const std::string path = (std::filesystem::temp_directory_path() / ("ashen_world_layers.map_" + std::to_string(getpid()))).string();
+    const std::string path = (std::filesystem::current_path() / ("ashen_world_layers.map_" + std::to_string(getpid()))).string();
     std::ofstream f(path, std::ios::binary | std::ios::trunc);
     f.write(reinterpret_cast<const char*>(&h), sizeof h);
     f.write(reinterpret_cast<const char*>(cells.data()), std::streamsize(cells.size() * sizeof(SMapCell)));

@@ -115,7 +115,7 @@ class ArtOutput : public ::testing::Test {
 protected:
     static fs::path stage;
     static void SetUpTestSuite() {
-        stage = fs::temp_directory_path() / ("artgen_test_" + std::to_string(::getpid()));
+        stage = fs::current_path() / ("artgen_test_" + std::to_string(::getpid()));
         fs::remove_all(stage);
         if (fs::exists(Artgen())) RunArtgen("--stage " + stage.string());
     }
@@ -612,8 +612,8 @@ TEST_F(ArtOutput, EveryHudRectangleLiesOnThePaintedFrame) {
 
 TEST(ArtGenerator, SameBytesOnEveryRunAndFailuresAreReported) {
     if (!fs::exists(Artgen())) GTEST_SKIP() << "artgen not built";
-    fs::path a = fs::temp_directory_path() / ("artgen_a_" + std::to_string(::getpid()));
-    fs::path b = fs::temp_directory_path() / ("artgen_b_" + std::to_string(::getpid()));
+    fs::path a = fs::current_path() / ("artgen_a_" + std::to_string(::getpid()));
+    fs::path b = fs::current_path() / ("artgen_b_" + std::to_string(::getpid()));
     fs::remove_all(a);
     fs::remove_all(b);
     ASSERT_EQ(RunArtgen("--stage " + a.string()), 0);
@@ -640,8 +640,8 @@ TEST(ArtGenerator, SameBytesOnEveryRunAndFailuresAreReported) {
 
 TEST(ArtGenerator, BrokenRecipesStopTheGeneratorBeforeItWrites) {
     if (!fs::exists(Artgen())) GTEST_SKIP() << "artgen not built";
-    fs::path dir = fs::temp_directory_path() / ("artgen_recipes_" + std::to_string(::getpid()));
-    fs::path out = fs::temp_directory_path() / ("artgen_out_" + std::to_string(::getpid()));
+    fs::path dir = fs::current_path() / ("artgen_recipes_" + std::to_string(::getpid()));
+    fs::path out = fs::current_path() / ("artgen_out_" + std::to_string(::getpid()));
     auto write = [&](const std::string& captions, const std::string& tiles) {
         fs::remove_all(dir);
         fs::remove_all(out);
@@ -682,7 +682,7 @@ TEST(ArtGenerator, BrokenRecipesStopTheGeneratorBeforeItWrites) {
     renamed.replace(renamed.find("mm_quit = Quit"), 14, "mm_quit = Leave");
     write(renamed, tiles);
     ASSERT_EQ(run(), 0);
-    fs::path ref = fs::temp_directory_path() / ("artgen_ref_" + std::to_string(::getpid()));
+    fs::path ref = fs::current_path() / ("artgen_ref_" + std::to_string(::getpid()));
     fs::remove_all(ref);
     ASSERT_EQ(RunArtgen("--stage " + ref.string()), 0);
     EXPECT_FALSE(ReadAll(out / "ui/mm_quit.bmp") == ReadAll(ref / "ui/mm_quit.bmp"));

@@ -275,7 +275,7 @@ TEST(ArtLettering, DrawTextCentresTheCaption) {
 
 TEST(ArtPng, KeyedPreviewsCarryAlphaAndPlainOnesDoNot) {
     std::vector<uint8_t> rgb = {255, 0, 255, 10, 20, 30, 40, 50, 60, 255, 0, 255};
-    std::string dir = std::filesystem::temp_directory_path().string();
+    std::string dir = std::filesystem::current_path().string();
     std::string keyed = dir + "/art_png_keyed_" + std::to_string(::getpid()) + ".png";
     std::string plain = dir + "/art_png_plain_" + std::to_string(::getpid()) + ".png";
     ASSERT_TRUE(WritePng(keyed, 2, 2, rgb, true));

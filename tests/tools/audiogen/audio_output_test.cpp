@@ -68,7 +68,7 @@ int RunTool(const std::string& args) {
 }
 
 fs::path TempDir(const std::string& name) {
-  fs::path p = fs::temp_directory_path() / ("ashen_audio_" + name + "_" + std::to_string(::getpid()));
+  fs::path p = fs::current_path() / ("ashen_audio_" + name + "_" + std::to_string(::getpid()));
   fs::remove_all(p);
   fs::create_directories(p);
   return p;

@@ -100,7 +100,7 @@ std::string Tmx(const std::string& ground, const std::string& extraObjects, cons
 }
 
 fs::path Fixture(const char* name) {
-    const fs::path dir = fs::temp_directory_path() / (std::string("ashen_mapc_") + name);
+    const fs::path dir = fs::current_path() / (std::string("ashen_mapc_") + name);
     fs::remove_all(dir);
     Write(dir / "tilesets/tiles_1.tsx", kTiles1);
     Write(dir / "tilesets/tiles_5.tsx", kTiles5);

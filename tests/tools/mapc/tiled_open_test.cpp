@@ -15,13 +15,20 @@ namespace fs = std::filesystem;
 TEST(TiledSources, EveryMapOpensInTiled) {
     if (access("/usr/bin/tiled", X_OK) != 0) GTEST_SKIP() << "Tiled is not installed";
     fs::path maps = fs::path(ASHEN_SOURCE_DIR) / "content/maps";
+    // Tiled keeps its settings and runtime files under the scratch folder.
+    const fs::path home = fs::current_path() / "tiled_home";
+    fs::create_directories(home / "runtime");
+    fs::permissions(home / "runtime", fs::perms::owner_all, fs::perm_options::replace);
+    const std::string env = "HOME='" + home.string() + "' XDG_CONFIG_HOME='" + (home / "config").string() +
+                            "' XDG_CACHE_HOME='" + (home / "cache").string() + "' XDG_DATA_HOME='" +
+                            (home / "data").string() + "' XDG_RUNTIME_DIR='" + (home / "runtime").string() + "'";
     int count = 0;
     for (auto& e : fs::directory_iterator(maps)) {
         if (e.path().extension() != ".tmx") continue;
         ++count;
-        fs::path out = fs::temp_directory_path() / ("ashen_tiled_" + e.path().stem().string() + ".json");
+        fs::path out = fs::current_path() / ("ashen_tiled_" + e.path().stem().string() + ".json");
         fs::remove(out);
-        std::string cmd = "cd '" + maps.string() + "' && QT_QPA_PLATFORM=offscreen XDG_RUNTIME_DIR=/tmp tiled --export-map json '" +
+        std::string cmd = "cd '" + maps.string() + "' && QT_QPA_PLATFORM=offscreen " + env + " tiled --export-map json '" +
                           e.path().filename().string() + "' '" + out.string() + "' >/dev/null 2>&1";
         ASSERT_EQ(std::system(cmd.c_str()), 0) << e.path();
         std::ifstream in(out);

@@ -174,7 +174,7 @@ TEST(RoleFile, ReadingRejectsDamagedFiles) {
 TEST(RoleFile, CompilerToolWritesEveryLookAndReportsFaults) {
     const std::string rolec = std::string(ASHEN_BIN_DIR) + "/rolec";
     ASSERT_TRUE(fs::exists(rolec)) << "build the rolec tool first";
-    fs::path tmp = fs::temp_directory_path() / ("rolec_test_" + std::to_string(::getpid()));
+    fs::path tmp = fs::current_path() / ("rolec_test_" + std::to_string(::getpid()));
     fs::create_directories(tmp);
 
     // The game's own descriptions: all compile, the hero's goes to role.pmg.

@@ -89,7 +89,7 @@ const fs::path& Stage() {
     static fs::path stage = [] {
         fs::path built = fs::path(ASHEN_GAME_DIR) / ".." / "stage";
         if (fs::exists(built / "loose/data/role.pmg") && fs::exists(built / "role/hero/stand1_0.bmp")) return built;
-        fs::path tmp = fs::temp_directory_path() / ("roles_stage_" + std::to_string(::getpid()));
+        fs::path tmp = fs::current_path() / ("roles_stage_" + std::to_string(::getpid()));
         std::string roles = std::string(ASHEN_SOURCE_DIR) + "/content/roles";
         EXPECT_TRUE(RunTool(Bin("rolec") + " " + (tmp / "loose/data").string() + " " + roles + "/*.txt"));
         EXPECT_TRUE(RunTool(Bin("rolegen") + " " + tmp.string() + " " + roles));
@@ -323,7 +323,7 @@ TEST(RoleOutput, PortraitsForEverySpeakingCharacter) {
 }
 
 TEST(RoleOutput, GenerationIsDeterministic) {
-    fs::path tmp = fs::temp_directory_path() / ("roles_det_" + std::to_string(::getpid()));
+    fs::path tmp = fs::current_path() / ("roles_det_" + std::to_string(::getpid()));
     std::string roles = std::string(ASHEN_SOURCE_DIR) + "/content/roles";
     ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "a").string() + " " + roles + " wolf hero faces"));
     ASSERT_TRUE(RunTool(Bin("rolegen") + " " + (tmp / "b").string() + " " + roles + " wolf hero faces"));
@@ -342,7 +342,7 @@ TEST(RoleOutput, GenerationIsDeterministic) {
 }
 
 TEST(RoleOutput, GeneratorReportsFaultyRecipesWithFileAndLine) {
-    fs::path tmp = fs::temp_directory_path() / ("roles_bad_" + std::to_string(::getpid()));
+    fs::path tmp = fs::current_path() / ("roles_bad_" + std::to_string(::getpid()));
     fs::create_directories(tmp / "roles/faces");
     fs::copy_file(fs::path(ASHEN_SOURCE_DIR) / "content/roles/wolf.txt", tmp / "roles/wolf.txt");
     std::ofstream(tmp / "roles/broken.txt") << "look broken\nfile broken.rol\nrig spider\nsize 64 80\naction stand 4\n";

@@ -17,7 +17,7 @@
 // blow exists and every book teaches a skill of the same name.
 TEST(Database, CompiledGameTables) {
     const std::string bin = ASHEN_BIN_DIR;
-    auto dir = std::filesystem::temp_directory_path() / ("ashen_dbc_test_" + std::to_string(getpid()));
+    auto dir = std::filesystem::current_path() / ("ashen_dbc_test_" + std::to_string(getpid()));
     std::filesystem::remove_all(dir);
     std::filesystem::create_directories(dir);
     const std::string src = std::string(ASHEN_SOURCE_DIR) + "/content/tables";

@@ -2,12 +2,23 @@
 
 #include <SDL.h>
 
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <unistd.h>
 
 #include "media/cursor_ani.h"
+#include "media/present.h"
+#include "base/debug.h"
 #include "base/gbk.h"
+#include "base/log.h"
 #include "base/message_box.h"
 
 namespace platform {
@@ -18,9 +29,21 @@ struct State {
     bool headless = false;
     int requestedScale = 0;
     SDL_Window* window = nullptr;
-    SDL_Renderer* renderer = nullptr;
+    present::ERenderPath path = present::ERenderPath::Surface;
+    SDL_Renderer* renderer = nullptr;  // accelerated path only
     SDL_Texture* texture = nullptr;
+    SDL_Surface* surface = nullptr;    // surface path: the window's own surface (SDL owns it)
+    present::SPixelFormat surfaceFormat;
+    // Where the picture stands, from the last known size of the window and of
+    // what is drawn into it; recomputed after every size change.
+    present::SLetterbox letterbox;
+    int32_t windowW = SCREEN_W, windowH = SCREEN_H;
+    int32_t drawableW = SCREEN_W, drawableH = SCREEN_H;
+    bool layoutStale = true;   // a size or mode change happened: measure again, redraw all
+    bool redrawAll = true;     // the next present converts the whole picture
+    std::vector<uint16_t> lastFrame;  // what the window shows, for updating only what changed
     bool windowed = true;
+    int windowScale = 1;
     bool windowExists = false;  // headless: the window is only a flag
     WindowProc proc = nullptr;
     std::deque<SMsg> queue;
@@ -60,15 +83,38 @@ int VirtualKey(const SDL_Keysym& k) {
 
 intptr_t PackPoint(SPoint p) { return intptr_t((uint32_t(p.y & 0xFFFF) << 16) | uint32_t(p.x & 0xFFFF)); }
 
-// Window pixels to game pixels, through the letterboxed logical size.
+// Measures the window and the size of what is drawn into it, and places the
+// picture. The surface path draws into the window's surface, whose size SDL keeps
+// from the window's configure events; the accelerated path into the renderer's
+// output.
+void MeasureLayout() {
+    if (!g.window) return;
+    int ww = 0, wh = 0;
+    SDL_GetWindowSize(g.window, &ww, &wh);
+    int dw = ww, dh = wh;
+    if (g.path == present::ERenderPath::Accelerated && g.renderer) {
+        SDL_GetRendererOutputSize(g.renderer, &dw, &dh);
+    } else if (g.path == present::ERenderPath::Surface) {
+        g.surface = SDL_GetWindowSurface(g.window);
+        if (g.surface) {
+            dw = g.surface->w;
+            dh = g.surface->h;
+        }
+    }
+    g.windowW = ww > 0 ? ww : SCREEN_W;
+    g.windowH = wh > 0 ? wh : SCREEN_H;
+    g.drawableW = dw > 0 ? dw : g.windowW;
+    g.drawableH = dh > 0 ? dh : g.windowH;
+    g.letterbox = present::ComputeLetterbox(g.drawableW, g.drawableH);
+    g.layoutStale = false;
+    g.redrawAll = true;
+}
+
+// Window pixels to game pixels, through the letterbox.
 SPoint ToGame(int wx, int wy) {
-    if (!g.renderer) return {wx, wy};
-    float lx = 0, ly = 0;
-    SDL_RenderWindowToLogical(g.renderer, wx, wy, &lx, &ly);
-    int x = int(lx), y = int(ly);
-    x = x < 0 ? 0 : (x > SCREEN_W - 1 ? SCREEN_W - 1 : x);
-    y = y < 0 ? 0 : (y > SCREEN_H - 1 ? SCREEN_H - 1 : y);
-    return {x, y};
+    if (!g.window) return {wx, wy};
+    if (g.layoutStale) MeasureLayout();
+    return present::WindowToGame(g.letterbox, wx, wy, g.windowW, g.windowH, g.drawableW, g.drawableH);
 }
 
 void Push(uint32_t m, uintptr_t w, intptr_t l) { g.queue.push_back(SMsg{m, w, l}); }
@@ -77,9 +123,20 @@ void Translate(const SDL_Event& e) {
     switch (e.type) {
         case SDL_QUIT: Push(WM_CLOSE, 0, 0); break;
         case SDL_WINDOWEVENT:
-            if (e.window.event == SDL_WINDOWEVENT_FOCUS_GAINED) Push(WM_ACTIVATEAPP, 1, 0);
-            else if (e.window.event == SDL_WINDOWEVENT_FOCUS_LOST) Push(WM_ACTIVATEAPP, 0, 0);
-            else if (e.window.event == SDL_WINDOWEVENT_CLOSE) Push(WM_CLOSE, 0, 0);
+            switch (e.window.event) {
+                case SDL_WINDOWEVENT_FOCUS_GAINED: Push(WM_ACTIVATEAPP, 1, 0); break;
+                case SDL_WINDOWEVENT_FOCUS_LOST: Push(WM_ACTIVATEAPP, 0, 0); break;
+                case SDL_WINDOWEVENT_CLOSE: Push(WM_CLOSE, 0, 0); break;
+                case SDL_WINDOWEVENT_SIZE_CHANGED:
+                case SDL_WINDOWEVENT_RESIZED:
+                case SDL_WINDOWEVENT_MAXIMIZED:
+                case SDL_WINDOWEVENT_RESTORED:
+                case SDL_WINDOWEVENT_SHOWN:
+                    g.layoutStale = true;
+                    break;
+                case SDL_WINDOWEVENT_EXPOSED: g.redrawAll = true; break;
+                default: break;
+            }
             break;
         case SDL_KEYDOWN: {
             if (e.key.keysym.sym == SDLK_RETURN && (e.key.keysym.mod & KMOD_ALT)) {
@@ -118,6 +175,26 @@ void AnimateCursor() {
     }
 }
 
+// Milliseconds until the animated cursor shows its next step (UINT32_MAX when
+// it does not move).
+uint32_t CursorWaitMs() {
+    if (g.cursors.size() < 2 || g.ani.sequence.empty() || g.ani.jiffies.size() < g.ani.sequence.size())
+        return UINT32_MAX;
+    const uint32_t total = g.ani.TotalJiffies();
+    if (total == 0) return UINT32_MAX;
+    const uint64_t ms = SDL_GetTicks() - g.cursorStart;
+    const uint64_t jiffy = ms * 60 / 1000;  // jiffies since the start (1/60 s each)
+    const uint64_t inCycle = jiffy % total;
+    uint64_t end = 0;                       // end of the step holding inCycle
+    for (size_t i = 0; i < g.ani.sequence.size(); ++i) {
+        end += g.ani.jiffies[i];
+        if (inCycle < end) break;
+    }
+    const uint64_t next = jiffy - inCycle + end;
+    const uint64_t nextMs = (next * 1000 + 59) / 60;  // first millisecond of that jiffy
+    return nextMs > ms ? uint32_t(std::min<uint64_t>(nextMs - ms, UINT32_MAX - 1)) : 0;
+}
+
 void FreeCursors() {
     for (SDL_Cursor* c : g.cursors)
         if (c) SDL_FreeCursor(c);
@@ -131,7 +208,10 @@ void DestroyWindowObjects() {
     if (g.window) SDL_DestroyWindow(g.window);
     g.texture = nullptr;
     g.renderer = nullptr;
+    g.surface = nullptr;
     g.window = nullptr;
+    g.lastFrame.clear();
+    g.layoutStale = true;
 }
 
 void Pump() {
@@ -186,6 +266,122 @@ static int ChooseScale() {
     return scale;
 }
 
+namespace {
+
+SDL_Window* MakeWindow(int scale, bool windowed) {
+    const Uint32 flags = SDL_WINDOW_SHOWN | (windowed ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+    return SDL_CreateWindow("Ashen Oath", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, SCREEN_W * scale,
+                            SCREEN_H * scale, flags);
+}
+
+// Whether the machine has a graphics device a GPU driver could use. Without one
+// every OpenGL is a software rasteriser, and asking it what it is would load it
+// (and its worker threads) for nothing.
+bool HasGpuDevice() {
+#if defined(__linux__)
+    static const char* const kNodes[] = {"/dev/dri/renderD128", "/dev/dri/renderD129", "/dev/dri/card0",
+                                         "/dev/dri/card1", "/dev/nvidia0", "/dev/nvidiactl"};
+    for (const char* node : kNodes)
+        if (access(node, F_OK) == 0) return true;
+    return false;
+#else
+    return true;
+#endif
+}
+
+// Creates the accelerated renderer and reads what it is: SDL's renderer name and,
+// for OpenGL, the GL renderer string.
+SDL_Renderer* ProbeAccelerated(std::string& sdlName, std::string& glName) {
+    SDL_Renderer* r = SDL_CreateRenderer(g.window, -1, SDL_RENDERER_ACCELERATED);
+    if (!r) return nullptr;
+    SDL_RendererInfo info;
+    if (SDL_GetRendererInfo(r, &info) == 0 && info.name) sdlName = info.name;
+    if (sdlName.compare(0, 6, "opengl") == 0) {
+        using GetStringFn = const unsigned char* (*)(unsigned int);
+        auto getString = reinterpret_cast<GetStringFn>(SDL_GL_GetProcAddress("glGetString"));
+        const unsigned int kGlRenderer = 0x1F01;
+        const unsigned char* text = getString ? getString(kGlRenderer) : nullptr;
+        if (text) glName = reinterpret_cast<const char*>(text);
+    }
+    return r;
+}
+
+void LogRenderer(const char* what, const char* reason, const std::string& detail) {
+    char line[512];
+    std::snprintf(line, sizeof line, "Renderer: %s (%s%s%s)", what, reason, detail.empty() ? "" : ": ",
+                  detail.c_str());
+    CLog("GameEngine.log", false).Write("%s", line);
+    DebugOut("%s\n", line);
+}
+
+// Picks how frames reach the screen and makes what that path needs. The window
+// exists; it may be made anew without OpenGL when the probe rules the GPU out.
+bool SetUpRenderer(int scale) {
+    present::ERenderPath forced = present::ERenderPath::Surface;
+    bool valid = true;
+    const char* env = std::getenv("ASHEN_RENDERER");
+    const bool isForced = present::ParseRendererOverride(env, &forced, &valid);
+    if (!valid) {
+        CLog("GameEngine.log", false).Write("ASHEN_RENDERER=%s is neither software nor accelerated; ignored", env);
+        fprintf(stderr, "ASHEN_RENDERER=%s is neither software nor accelerated; ignored\n", env);
+    }
+    present::SRenderChoice choice;
+    std::string sdlName, glName;
+    if (isForced) {
+        choice.path = forced;
+        choice.reason = "forced by ASHEN_RENDERER";
+    } else if (!HasGpuDevice()) {
+        choice.path = present::ERenderPath::Surface;
+        choice.reason = "no GPU device";
+    } else {
+        g.renderer = ProbeAccelerated(sdlName, glName);
+        choice = present::ChooseRenderPath(g.renderer ? sdlName.c_str() : nullptr, glName.c_str());
+        if (choice.path == present::ERenderPath::Surface && g.renderer) {
+            // Drop the probe and its OpenGL window: the surface path wants a plain one.
+            SDL_DestroyRenderer(g.renderer);
+            g.renderer = nullptr;
+            SDL_DestroyWindow(g.window);
+            g.window = MakeWindow(scale, g.windowed);
+            if (!g.window) return false;
+        }
+    }
+    g.path = choice.path;
+    if (g.path == present::ERenderPath::Accelerated) {
+        if (!g.renderer) g.renderer = SDL_CreateRenderer(g.window, -1, SDL_RENDERER_ACCELERATED);
+        if (!g.renderer) {
+            // No accelerated renderer at all: fall back to the surface.
+            g.path = present::ERenderPath::Surface;
+            choice.reason = "the accelerated renderer could not be made";
+        } else if (sdlName.empty()) {
+            SDL_RendererInfo info;
+            if (SDL_GetRendererInfo(g.renderer, &info) == 0 && info.name) sdlName = info.name;
+        }
+    }
+    if (g.path == present::ERenderPath::Surface) {
+        // The window's own surface, filled by our conversion. SDL must not put an
+        // OpenGL texture behind it.
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+        g.surface = SDL_GetWindowSurface(g.window);
+        if (!g.surface) return false;
+        const SDL_PixelFormat* f = g.surface->format;
+        g.surfaceFormat.bytesPerPixel = f->BytesPerPixel;
+        g.surfaceFormat.rMask = f->Rmask;
+        g.surfaceFormat.gMask = f->Gmask;
+        g.surfaceFormat.bMask = f->Bmask;
+        const std::string detail = std::string(SDL_GetPixelFormatName(f->format)) +
+                                   (glName.empty() ? std::string() : ", OpenGL: " + glName);
+        LogRenderer("window surface", choice.reason, detail);
+    } else {
+        const std::string detail = sdlName + (glName.empty() ? std::string() : ", " + glName);
+        LogRenderer("accelerated", choice.reason, detail);
+    }
+    g.layoutStale = true;
+    g.redrawAll = true;
+    return true;
+}
+
+}  // namespace
+
 bool CreateMainWindow(bool windowed, WindowProc proc) {
     g.proc = proc;
     g.windowed = windowed;
@@ -194,19 +390,13 @@ bool CreateMainWindow(bool windowed, WindowProc proc) {
         Push(WM_ACTIVATEAPP, 1, 0);
         return true;
     }
-    int scale = ChooseScale();
-    Uint32 flags = SDL_WINDOW_SHOWN | (windowed ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
-    g.window = SDL_CreateWindow("Ashen Oath", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, SCREEN_W * scale,
-                                SCREEN_H * scale, flags);
+    g.windowScale = ChooseScale();
+    g.window = MakeWindow(g.windowScale, windowed);
     if (!g.window) return false;
-    g.renderer = SDL_CreateRenderer(g.window, -1, SDL_RENDERER_ACCELERATED);
-    if (!g.renderer) g.renderer = SDL_CreateRenderer(g.window, -1, SDL_RENDERER_SOFTWARE);
-    if (!g.renderer) return false;
-    SDL_SetHint(SDL_HINT_RENDER_SCALE_QUALITY, "nearest");
-    SDL_RenderSetLogicalSize(g.renderer, SCREEN_W, SCREEN_H);
-    SDL_RenderSetIntegerScale(g.renderer, SDL_TRUE);
-    g.texture = SDL_CreateTexture(g.renderer, SDL_PIXELFORMAT_RGB565, SDL_TEXTUREACCESS_STREAMING, SCREEN_W, SCREEN_H);
-    if (!g.texture) return false;
+    if (!SetUpRenderer(g.windowScale)) {
+        DestroyWindowObjects();
+        return false;
+    }
     g.windowExists = true;
     SDL_ShowCursor(g.cursorShown ? SDL_ENABLE : SDL_DISABLE);
     return true;
@@ -225,6 +415,7 @@ void ToggleFullscreen() {
     if (!g.window) return;
     g.windowed = !g.windowed;
     SDL_SetWindowFullscreen(g.window, g.windowed ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+    g.layoutStale = true;
 }
 
 bool PeekMessage(SMsg& out) {
@@ -254,6 +445,18 @@ bool GetMessage(SMsg& out) {
         if (g.sdlStarted && !g.headless) SDL_WaitEventTimeout(nullptr, 50);
         else return false;  // nothing can arrive headless without input
     }
+}
+
+bool WaitMessage(uint32_t timeoutMs) {
+    if (!g.queue.empty() || g.quitPosted) return true;
+    if (!g.sdlStarted || g.headless || !g.window) {
+        // Nothing arrives from outside without a window: just let the time pass.
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::min<uint32_t>(timeoutMs, 10)));
+        return false;
+    }
+    const uint32_t wait = std::min(timeoutMs, CursorWaitMs());
+    if (wait == 0) return false;
+    return SDL_WaitEventTimeout(nullptr, int(std::min<uint32_t>(wait, INT32_MAX))) == 1;
 }
 
 void PostMessage(uint32_t message, uintptr_t wParam, intptr_t lParam) { Push(message, wParam, lParam); }
@@ -286,16 +489,9 @@ SPoint GetCursorPos() {
 void SetCursorPos(int32_t x, int32_t y) {
     g.cursor = {x, y};
     if (g.window && !g.injectedButtons) {
-        int wx = 0, wy = 0, ww = 0, wh = 0;
-        SDL_GetWindowSize(g.window, &ww, &wh);
-        // Map the game point to window pixels through the logical viewport.
-        SDL_Rect vp;
-        float sx = 1, sy = 1;
-        SDL_RenderGetViewport(g.renderer, &vp);
-        SDL_RenderGetScale(g.renderer, &sx, &sy);
-        wx = int((vp.x + x) * sx);
-        wy = int((vp.y + y) * sy);
-        SDL_WarpMouseInWindow(g.window, wx, wy);
+        if (g.layoutStale) MeasureLayout();
+        const SPoint w = present::GameToWindow(g.letterbox, x, y, g.windowW, g.windowH, g.drawableW, g.drawableH);
+        SDL_WarpMouseInWindow(g.window, w.x, w.y);
     }
 }
 
@@ -311,14 +507,136 @@ bool IsButtonDown(int button) {
     return (state & SDL_BUTTON(button == 0 ? SDL_BUTTON_LEFT : SDL_BUTTON_RIGHT)) != 0;
 }
 
-void PresentFrame(const uint16_t* pixels) {
-    if (g.frameObserver) g.frameObserver(pixels);
-    if (!g.texture || !pixels) return;
-    SDL_UpdateTexture(g.texture, nullptr, pixels, SCREEN_W * 2);
+namespace {
+
+// Surface path: converts what changed since the last present into the window's
+// surface and sends only those rectangles to the window system.
+void PresentToSurface(const uint16_t* pixels, present::E16Layout layout) {
+    SDL_Surface* s = SDL_GetWindowSurface(g.window);
+    if (!s) return;
+    if (s != g.surface || s->w != g.drawableW || s->h != g.drawableH) g.layoutStale = true;
+    if (g.layoutStale) MeasureLayout();
+    s = g.surface;
+    if (!s) return;
+    if (g.lastFrame.size() != size_t(SCREEN_W) * SCREEN_H) {
+        g.lastFrame.assign(size_t(SCREEN_W) * SCREEN_H, 0);
+        g.redrawAll = true;
+    }
+    const bool all = g.redrawAll;
+    const present::SDirtyBands bands = present::UpdateDirtyBands(pixels, g.lastFrame.data(), SCREEN_W, SCREEN_H, all);
+    if (bands.count == 0) return;  // the window already shows this picture
+    const present::SLetterbox& lb = g.letterbox;
+    // Only a drawable smaller than the picture cuts it (the scale is then 1).
+    const int32_t visibleW = std::min<int32_t>(SCREEN_W, (s->w - lb.x) / lb.scale);
+    const int32_t visibleH = std::min<int32_t>(SCREEN_H, (s->h - lb.y) / lb.scale);
+    if (SDL_MUSTLOCK(s) && SDL_LockSurface(s) != 0) return;
+    if (all) SDL_memset(s->pixels, 0, size_t(s->pitch) * size_t(s->h));  // black around the picture
+    uint8_t* origin = static_cast<uint8_t*>(s->pixels) + size_t(lb.y) * size_t(s->pitch) +
+                      size_t(lb.x) * size_t(g.surfaceFormat.bytesPerPixel);
+    SDL_Rect rects[present::kMaxBands];
+    int count = 0;
+    for (int i = 0; i < bands.count; ++i) {
+        const SRect& b = bands.bands[i];
+        const int32_t x1 = std::min(b.right, visibleW), y1 = std::min(b.bottom, visibleH);
+        if (b.left >= x1 || b.top >= y1) continue;
+        present::ConvertFrame(pixels, SCREEN_W, b.left, b.top, x1, y1, layout, g.surfaceFormat, lb.scale, origin,
+                              s->pitch);
+        rects[count++] = SDL_Rect{lb.x + b.left * lb.scale, lb.y + b.top * lb.scale, (x1 - b.left) * lb.scale,
+                                  (y1 - b.top) * lb.scale};
+    }
+    if (SDL_MUSTLOCK(s)) SDL_UnlockSurface(s);
+    if (all) {
+        SDL_UpdateWindowSurface(g.window);
+    } else if (count > 0) {
+        SDL_UpdateWindowSurfaceRects(g.window, rects, count);
+    }
+    g.redrawAll = false;
+}
+
+// Accelerated path: a streaming texture in the frame's own 16-bit layout, drawn
+// into the letterbox with nearest-pixel scaling.
+void PresentToRenderer(const uint16_t* pixels, present::E16Layout layout) {
+    if (g.layoutStale) MeasureLayout();
+    const Uint32 format = layout == present::E16Layout::RGB565 ? SDL_PIXELFORMAT_RGB565 : SDL_PIXELFORMAT_RGB555;
+    Uint32 have = 0;
+    if (g.texture && (SDL_QueryTexture(g.texture, &have, nullptr, nullptr, nullptr) != 0 || have != format)) {
+        SDL_DestroyTexture(g.texture);
+        g.texture = nullptr;
+    }
+    if (!g.texture) {
+        g.texture = SDL_CreateTexture(g.renderer, format, SDL_TEXTUREACCESS_STREAMING, SCREEN_W, SCREEN_H);
+        if (!g.texture) return;
+        SDL_SetTextureScaleMode(g.texture, SDL_ScaleModeNearest);
+        g.redrawAll = true;
+    }
+    if (g.lastFrame.size() != size_t(SCREEN_W) * SCREEN_H) {
+        g.lastFrame.assign(size_t(SCREEN_W) * SCREEN_H, 0);
+        g.redrawAll = true;
+    }
+    const present::SDirtyBands bands =
+        present::UpdateDirtyBands(pixels, g.lastFrame.data(), SCREEN_W, SCREEN_H, g.redrawAll);
+    if (bands.count == 0) return;  // the window already shows this picture
+    for (int i = 0; i < bands.count; ++i) {
+        const SRect& b = bands.bands[i];
+        const SDL_Rect r{b.left, b.top, b.Width(), b.Height()};
+        SDL_UpdateTexture(g.texture, &r, pixels + size_t(b.top) * SCREEN_W + size_t(b.left), SCREEN_W * 2);
+    }
+    const present::SLetterbox& lb = g.letterbox;
+    const SDL_Rect dst{lb.x, lb.y, lb.Width(), lb.Height()};
     SDL_SetRenderDrawColor(g.renderer, 0, 0, 0, 255);
     SDL_RenderClear(g.renderer);
-    SDL_RenderCopy(g.renderer, g.texture, nullptr, nullptr);
+    SDL_RenderCopy(g.renderer, g.texture, nullptr, &dst);
     SDL_RenderPresent(g.renderer);
+    g.redrawAll = false;
+}
+
+}  // namespace
+
+void PresentFrame(const uint16_t* pixels, bool layout555) {
+    if (g.frameObserver) g.frameObserver(pixels);
+    if (!g.window || !pixels) return;
+    const present::E16Layout layout = layout555 ? present::E16Layout::RGB555 : present::E16Layout::RGB565;
+    if (g.path == present::ERenderPath::Accelerated && g.renderer) PresentToRenderer(pixels, layout);
+    else PresentToSurface(pixels, layout);
+}
+
+bool ReadWindowPixels(std::vector<uint32_t>& xrgb, int32_t& width, int32_t& height) {
+    xrgb.clear();
+    width = height = 0;
+    if (!g.window) return false;
+    if (g.path == present::ERenderPath::Accelerated && g.renderer) {
+        if (SDL_GetRendererOutputSize(g.renderer, &width, &height) != 0 || !g.texture) return false;
+        xrgb.assign(size_t(width) * size_t(height), 0);
+        // Draw the last picture again (not presented): what a present shows.
+        const present::SLetterbox& lb = g.letterbox;
+        const SDL_Rect dst{lb.x, lb.y, lb.Width(), lb.Height()};
+        SDL_SetRenderDrawColor(g.renderer, 0, 0, 0, 255);
+        SDL_RenderClear(g.renderer);
+        SDL_RenderCopy(g.renderer, g.texture, nullptr, &dst);
+        return SDL_RenderReadPixels(g.renderer, nullptr, SDL_PIXELFORMAT_RGB888, xrgb.data(), width * 4) == 0;
+    }
+    SDL_Surface* s = g.surface;
+    if (!s) return false;
+    width = s->w;
+    height = s->h;
+    xrgb.assign(size_t(width) * size_t(height), 0);
+    return SDL_ConvertPixels(width, height, s->format->format, s->pixels, s->pitch, SDL_PIXELFORMAT_RGB888,
+                             xrgb.data(), width * 4) == 0;
+}
+
+SWindowLayout GetWindowLayout() {
+    SWindowLayout out;
+    if (!g.window) return out;
+    if (g.layoutStale) MeasureLayout();
+    out.windowW = g.windowW;
+    out.windowH = g.windowH;
+    out.drawableW = g.drawableW;
+    out.drawableH = g.drawableH;
+    out.x = g.letterbox.x;
+    out.y = g.letterbox.y;
+    out.scale = g.letterbox.scale;
+    out.accelerated = g.path == present::ERenderPath::Accelerated;
+    return out;
 }
 
 void InjectMouseMove(int32_t x, int32_t y) {

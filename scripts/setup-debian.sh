@@ -3,7 +3,7 @@
 # Runs apt-get only when something is missing; uses sudo when not root.
 set -e
 PACKAGES="build-essential cmake pkg-config git
-  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
+  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libx11-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
   libvorbis-dev libogg-dev fonts-wqy-microhei fonts-droid-fallback
   libgtest-dev libgmock-dev libbenchmark-dev
   libjpeg-turbo-progs imagemagick xvfb xauth tiled"

@@ -196,14 +196,17 @@ void Row24(const uint16_t* s, int32_t n, E16Layout layout, int32_t scale, const 
     }
 }
 
-// 16-bit copies in the source's own layout, widened by the scale.
-void RowSame16(const uint16_t* s, int32_t n, int32_t scale, uint16_t* d) {
-    if (scale == 1) {
+// 16-bit copies in the source's own layout, widened by the scale; `mask` drops
+// the unused top bit of 5-5-5.
+void RowSame16(const uint16_t* s, int32_t n, int32_t scale, uint16_t mask, uint16_t* d) {
+    if (scale == 1 && mask == 0xFFFF) {
         std::memcpy(d, s, size_t(n) * 2);
         return;
     }
-    for (int32_t i = 0; i < n; ++i)
-        for (int32_t k = 0; k < scale; ++k) *d++ = s[i];
+    for (int32_t i = 0; i < n; ++i) {
+        const uint16_t v = uint16_t(s[i] & mask);
+        for (int32_t k = 0; k < scale; ++k) *d++ = v;
+    }
 }
 
 }  // namespace
@@ -231,7 +234,8 @@ void ConvertFrame(const uint16_t* src, int32_t srcPitch, int32_t x0, int32_t y0,
         const uint16_t* s = src + size_t(y) * size_t(srcPitch) + size_t(x0);
         uint8_t* d = dst + size_t(y) * size_t(scale) * size_t(dstPitch) + size_t(x0) * size_t(scale) * size_t(bpp);
         if (xrgb) RowXrgb(s, n, layout, scale, reinterpret_cast<uint32_t*>(d));
-        else if (same16) RowSame16(s, n, scale, reinterpret_cast<uint16_t*>(d));
+        else if (same16) RowSame16(s, n, scale, layout == E16Layout::RGB565 ? 0xFFFF : 0x7FFF,
+                                   reinterpret_cast<uint16_t*>(d));
         else if (bpp == 4) RowMasked(s, n, layout, scale, c, reinterpret_cast<uint32_t*>(d));
         else if (bpp == 2) RowMasked(s, n, layout, scale, c, reinterpret_cast<uint16_t*>(d));
         else Row24(s, n, layout, scale, c, d);

@@ -16,6 +16,7 @@
 
 #include "media/cursor_ani.h"
 #include "media/present.h"
+#include "media/x11_window.h"
 #include "base/debug.h"
 #include "base/gbk.h"
 #include "base/log.h"
@@ -44,6 +45,10 @@ struct State {
     std::vector<uint16_t> lastFrame;  // what the window shows, for updating only what changed
     bool windowed = true;
     int windowScale = 1;
+    // Full screen without a window manager: a borderless window over the display,
+    // and the windowed place to go back to.
+    bool coverDisplay = false;
+    SDL_Rect windowedRect{0, 0, 0, 0};
     bool windowExists = false;  // headless: the window is only a flag
     WindowProc proc = nullptr;
     std::deque<SMsg> queue;
@@ -101,11 +106,25 @@ void MeasureLayout() {
             dh = g.surface->h;
         }
     }
+    // The X server's word on the size wins: SDL can believe in a full-screen
+    // size that no window manager gave the window. The surface path then draws
+    // into the part of its surface that the window shows.
+    int rw = 0, rh = 0;
+    if (x11::RealWindowSize(g.window, rw, rh) && (rw != ww || rh != wh)) {
+        if (g.path == present::ERenderPath::Surface) {
+            dw = std::min(dw, rw);
+            dh = std::min(dh, rh);
+        }
+        ww = rw;
+        wh = rh;
+    }
     g.windowW = ww > 0 ? ww : SCREEN_W;
     g.windowH = wh > 0 ? wh : SCREEN_H;
     g.drawableW = dw > 0 ? dw : g.windowW;
     g.drawableH = dh > 0 ? dh : g.windowH;
     g.letterbox = present::ComputeLetterbox(g.drawableW, g.drawableH);
+    DebugOut("window %dx%d, drawn %dx%d, picture at (%d,%d) x%d\n", int(g.windowW), int(g.windowH),
+             int(g.drawableW), int(g.drawableH), int(g.letterbox.x), int(g.letterbox.y), int(g.letterbox.scale));
     g.layoutStale = false;
     g.redrawAll = true;
 }
@@ -268,10 +287,43 @@ static int ChooseScale() {
 
 namespace {
 
-SDL_Window* MakeWindow(int scale, bool windowed) {
-    const Uint32 flags = SDL_WINDOW_SHOWN | (windowed ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+// The window is made hidden and windowed; full screen is entered before it is
+// first shown.
+SDL_Window* MakeWindow(int scale) {
     return SDL_CreateWindow("Ashen Oath", SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, SCREEN_W * scale,
-                            SCREEN_H * scale, flags);
+                            SCREEN_H * scale, SDL_WINDOW_HIDDEN);
+}
+
+// Full screen at the desktop's mode. A window manager does it on request; without
+// one nobody would, so the window itself is made borderless and laid over the
+// display.
+void EnterFullscreen() {
+    if (x11::WithoutWindowManager(g.window)) {
+        SDL_GetWindowPosition(g.window, &g.windowedRect.x, &g.windowedRect.y);
+        SDL_GetWindowSize(g.window, &g.windowedRect.w, &g.windowedRect.h);
+        SDL_Rect bounds{0, 0, 0, 0};
+        const int display = SDL_GetWindowDisplayIndex(g.window);
+        if (SDL_GetDisplayBounds(display < 0 ? 0 : display, &bounds) == 0 && bounds.w > 0 && bounds.h > 0) {
+            SDL_SetWindowBordered(g.window, SDL_FALSE);
+            SDL_SetWindowPosition(g.window, bounds.x, bounds.y);
+            SDL_SetWindowSize(g.window, bounds.w, bounds.h);
+            g.coverDisplay = true;
+            return;
+        }
+    }
+    SDL_SetWindowFullscreen(g.window, SDL_WINDOW_FULLSCREEN_DESKTOP);
+}
+
+void LeaveFullscreen() {
+    if (g.coverDisplay) {
+        g.coverDisplay = false;
+        SDL_SetWindowSize(g.window, g.windowedRect.w, g.windowedRect.h);
+        SDL_SetWindowPosition(g.window, g.windowedRect.x, g.windowedRect.y);
+        SDL_SetWindowBordered(g.window, SDL_TRUE);
+        return;
+    }
+    SDL_SetWindowFullscreen(g.window, 0);
+    SDL_SetWindowSize(g.window, SCREEN_W * g.windowScale, SCREEN_H * g.windowScale);
 }
 
 // Whether the machine has a graphics device a GPU driver could use. Without one
@@ -341,7 +393,7 @@ bool SetUpRenderer(int scale) {
             SDL_DestroyRenderer(g.renderer);
             g.renderer = nullptr;
             SDL_DestroyWindow(g.window);
-            g.window = MakeWindow(scale, g.windowed);
+            g.window = MakeWindow(scale);
             if (!g.window) return false;
         }
     }
@@ -391,12 +443,16 @@ bool CreateMainWindow(bool windowed, WindowProc proc) {
         return true;
     }
     g.windowScale = ChooseScale();
-    g.window = MakeWindow(g.windowScale, windowed);
+    g.coverDisplay = false;
+    g.window = MakeWindow(g.windowScale);
     if (!g.window) return false;
     if (!SetUpRenderer(g.windowScale)) {
         DestroyWindowObjects();
         return false;
     }
+    if (!windowed) EnterFullscreen();
+    SDL_ShowWindow(g.window);
+    g.layoutStale = true;
     g.windowExists = true;
     SDL_ShowCursor(g.cursorShown ? SDL_ENABLE : SDL_DISABLE);
     return true;
@@ -414,7 +470,8 @@ bool HasMainWindow() { return g.windowExists; }
 void ToggleFullscreen() {
     if (!g.window) return;
     g.windowed = !g.windowed;
-    SDL_SetWindowFullscreen(g.window, g.windowed ? 0 : SDL_WINDOW_FULLSCREEN_DESKTOP);
+    if (g.windowed) LeaveFullscreen();
+    else EnterFullscreen();
     g.layoutStale = true;
 }
 
@@ -514,7 +571,7 @@ namespace {
 void PresentToSurface(const uint16_t* pixels, present::E16Layout layout) {
     SDL_Surface* s = SDL_GetWindowSurface(g.window);
     if (!s) return;
-    if (s != g.surface || s->w != g.drawableW || s->h != g.drawableH) g.layoutStale = true;
+    if (s != g.surface || s->w < g.drawableW || s->h < g.drawableH) g.layoutStale = true;
     if (g.layoutStale) MeasureLayout();
     s = g.surface;
     if (!s) return;
@@ -527,8 +584,8 @@ void PresentToSurface(const uint16_t* pixels, present::E16Layout layout) {
     if (bands.count == 0) return;  // the window already shows this picture
     const present::SLetterbox& lb = g.letterbox;
     // Only a drawable smaller than the picture cuts it (the scale is then 1).
-    const int32_t visibleW = std::min<int32_t>(SCREEN_W, (s->w - lb.x) / lb.scale);
-    const int32_t visibleH = std::min<int32_t>(SCREEN_H, (s->h - lb.y) / lb.scale);
+    const int32_t visibleW = std::min<int32_t>(SCREEN_W, (g.drawableW - lb.x) / lb.scale);
+    const int32_t visibleH = std::min<int32_t>(SCREEN_H, (g.drawableH - lb.y) / lb.scale);
     if (SDL_MUSTLOCK(s) && SDL_LockSurface(s) != 0) return;
     if (all) SDL_memset(s->pixels, 0, size_t(s->pitch) * size_t(s->h));  // black around the picture
     uint8_t* origin = static_cast<uint8_t*>(s->pixels) + size_t(lb.y) * size_t(s->pitch) +

@@ -610,18 +610,14 @@ void PresentToSurface(const uint16_t* pixels, present::E16Layout layout) {
     g.redrawAll = false;
 }
 
-// Accelerated path: a streaming texture in the frame's own 16-bit layout, drawn
-// into the letterbox with nearest-pixel scaling.
+// Accelerated path: a streaming 32-bit texture filled by the same conversion as
+// the surface path (so that every GPU shows the same pixel values), drawn into
+// the letterbox with nearest-pixel scaling.
 void PresentToRenderer(const uint16_t* pixels, present::E16Layout layout) {
     if (g.layoutStale) MeasureLayout();
-    const Uint32 format = layout == present::E16Layout::RGB565 ? SDL_PIXELFORMAT_RGB565 : SDL_PIXELFORMAT_RGB555;
-    Uint32 have = 0;
-    if (g.texture && (SDL_QueryTexture(g.texture, &have, nullptr, nullptr, nullptr) != 0 || have != format)) {
-        SDL_DestroyTexture(g.texture);
-        g.texture = nullptr;
-    }
     if (!g.texture) {
-        g.texture = SDL_CreateTexture(g.renderer, format, SDL_TEXTUREACCESS_STREAMING, SCREEN_W, SCREEN_H);
+        g.texture = SDL_CreateTexture(g.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, SCREEN_W,
+                                      SCREEN_H);
         if (!g.texture) return;
         SDL_SetTextureScaleMode(g.texture, SDL_ScaleModeNearest);
         g.redrawAll = true;
@@ -633,10 +629,16 @@ void PresentToRenderer(const uint16_t* pixels, present::E16Layout layout) {
     const present::SDirtyBands bands =
         present::UpdateDirtyBands(pixels, g.lastFrame.data(), SCREEN_W, SCREEN_H, g.redrawAll);
     if (bands.count == 0) return;  // the window already shows this picture
+    static const present::SPixelFormat kTextureFormat{4, 0x00FF0000, 0x0000FF00, 0x000000FF};
     for (int i = 0; i < bands.count; ++i) {
         const SRect& b = bands.bands[i];
         const SDL_Rect r{b.left, b.top, b.Width(), b.Height()};
-        SDL_UpdateTexture(g.texture, &r, pixels + size_t(b.top) * SCREEN_W + size_t(b.left), SCREEN_W * 2);
+        void* locked = nullptr;
+        int pitch = 0;
+        if (SDL_LockTexture(g.texture, &r, &locked, &pitch) != 0) continue;
+        present::ConvertFrame(pixels + size_t(b.top) * SCREEN_W + size_t(b.left), SCREEN_W, 0, 0, b.Width(),
+                              b.Height(), layout, kTextureFormat, 1, static_cast<uint8_t*>(locked), pitch);
+        SDL_UnlockTexture(g.texture);
     }
     const present::SLetterbox& lb = g.letterbox;
     const SDL_Rect dst{lb.x, lb.y, lb.Width(), lb.Height()};
@@ -661,6 +663,13 @@ bool ReadWindowPixels(std::vector<uint32_t>& xrgb, int32_t& width, int32_t& heig
     xrgb.clear();
     width = height = 0;
     if (!g.window) return false;
+    // What the window system shows, where it can be asked.
+    int w = 0, h = 0;
+    if (x11::ReadWindowImage(g.window, xrgb, w, h)) {
+        width = w;
+        height = h;
+        return true;
+    }
     if (g.path == present::ERenderPath::Accelerated && g.renderer) {
         if (SDL_GetRendererOutputSize(g.renderer, &width, &height) != 0 || !g.texture) return false;
         xrgb.assign(size_t(width) * size_t(height), 0);
@@ -674,8 +683,8 @@ bool ReadWindowPixels(std::vector<uint32_t>& xrgb, int32_t& width, int32_t& heig
     }
     SDL_Surface* s = g.surface;
     if (!s) return false;
-    width = s->w;
-    height = s->h;
+    width = std::min<int32_t>(s->w, g.drawableW);
+    height = std::min<int32_t>(s->h, g.drawableH);
     xrgb.assign(size_t(width) * size_t(height), 0);
     return SDL_ConvertPixels(width, height, s->format->format, s->pixels, s->pitch, SDL_PIXELFORMAT_RGB888,
                              xrgb.data(), width * 4) == 0;

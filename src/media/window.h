@@ -76,8 +76,9 @@ struct SWindowLayout {
     bool accelerated = false;              // accelerated renderer (else the window surface)
 };
 SWindowLayout GetWindowLayout();
-// Reads back the window's picture as 0x00RRGGBB pixels (drawable size): what the
-// last present put there. False without a window.
+// Reads back the window's picture as 0x00RRGGBB pixels: from the X server where
+// the window is an X11 window (what is seen), else what the last present drew.
+// False without a window.
 bool ReadWindowPixels(std::vector<uint32_t>& xrgb, int32_t& width, int32_t& height);
 
 // Input injection for the replay harness: the events enter the same queue as real

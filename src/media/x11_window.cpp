@@ -6,6 +6,7 @@
 #include <SDL_syswm.h>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 #endif
 
 namespace x11 {
@@ -69,10 +70,51 @@ bool WithoutWindowManager(SDL_Window* window) {
     return self != wm;
 }
 
+bool ReadWindowImage(SDL_Window* window, std::vector<uint32_t>& xrgb, int& width, int& height) {
+    Display* display = nullptr;
+    Window xwindow = 0;
+    if (!Handles(window, display, xwindow)) return false;
+    XWindowAttributes a;
+    if (!XGetWindowAttributes(display, xwindow, &a) || a.width <= 0 || a.height <= 0) return false;
+    XImage* image = XGetImage(display, xwindow, 0, 0, unsigned(a.width), unsigned(a.height), AllPlanes, ZPixmap);
+    if (!image) return false;
+    auto shiftOf = [](unsigned long mask, int& shift, int& bits) {
+        shift = bits = 0;
+        if (!mask) return;
+        while (!(mask & 1ul)) mask >>= 1, ++shift;
+        while (mask & 1ul) mask >>= 1, ++bits;
+    };
+    int rs, rb, gs, gb, bs, bb;
+    shiftOf(image->red_mask, rs, rb);
+    shiftOf(image->green_mask, gs, gb);
+    shiftOf(image->blue_mask, bs, bb);
+    // A channel of `bits` widened to 8 by repeating its top bits.
+    auto widen = [](unsigned long v, int bits) -> uint32_t {
+        if (bits <= 0) return 0;
+        if (bits >= 8) return uint32_t(v >> (bits - 8)) & 255u;
+        uint32_t out = 0;
+        for (int have = 0; have < 8; have += bits) out = (out << bits) | uint32_t(v);
+        return (out >> ((8 + bits - 1) / bits * bits - 8)) & 255u;
+    };
+    width = a.width;
+    height = a.height;
+    xrgb.assign(size_t(width) * size_t(height), 0);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const unsigned long p = XGetPixel(image, x, y);
+            xrgb[size_t(y) * size_t(width) + size_t(x)] =
+                (widen((p & image->red_mask) >> rs, rb) << 16) | (widen((p & image->green_mask) >> gs, gb) << 8) |
+                widen((p & image->blue_mask) >> bs, bb);
+        }
+    XDestroyImage(image);
+    return true;
+}
+
 #else
 
 bool RealWindowSize(SDL_Window*, int&, int&) { return false; }
 bool WithoutWindowManager(SDL_Window*) { return false; }
+bool ReadWindowImage(SDL_Window*, std::vector<uint32_t>&, int&, int&) { return false; }
 
 #endif
 

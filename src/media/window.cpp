@@ -197,7 +197,8 @@ void AnimateCursor() {
 // Milliseconds until the animated cursor shows its next step (UINT32_MAX when
 // it does not move).
 uint32_t CursorWaitMs() {
-    if (g.cursors.size() < 2 || g.ani.sequence.empty() || g.ani.jiffies.size() < g.ani.sequence.size())
+    if (!g.cursorShown || g.cursors.size() < 2 || g.ani.sequence.empty() ||
+        g.ani.jiffies.size() < g.ani.sequence.size())
         return UINT32_MAX;
     const uint32_t total = g.ani.TotalJiffies();
     if (total == 0) return UINT32_MAX;

@@ -48,6 +48,11 @@ pid_t Spawn(const std::vector<std::string>& argv, int keepFd = -1) {
     }
     for (int fd = 3; fd < 256; ++fd)
         if (fd != keepFd) close(fd);
+    // Whatever the program keeps (settings, caches) stays in the test's folder.
+    char cwd[1024];
+    if (getcwd(cwd, sizeof cwd))
+        for (const char* var : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME"})
+            setenv(var, cwd, 1);
     std::vector<char*> args;
     for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
     args.push_back(nullptr);
@@ -182,7 +187,8 @@ TEST_F(WindowOnXvfb, PictureIsTheHeadlessShotAtScaleOneAndTwo) {
     ASSERT_TRUE(x.Start("1600x1200x24"));
     // ASHEN_TEST_ACCELERATED=1 runs the same checks on the accelerated renderer
     // (OpenGL; on Xvfb a software rasteriser).
-    if (const char* a = std::getenv("ASHEN_TEST_ACCELERATED"); a && *a == '1') setenv("ASHEN_RENDERER", "accelerated", 1);
+    if (const char* a = std::getenv("ASHEN_TEST_ACCELERATED"); a && *a == '1')
+        setenv("ASHEN_RENDERER", "accelerated", 1);
     for (int scale = 1; scale <= 2; ++scale) {
         platform::SOptions o;
         o.scale = scale;

@@ -6,7 +6,7 @@ PACKAGES="build-essential cmake pkg-config git
   libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libx11-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
   libvorbis-dev libogg-dev fonts-wqy-microhei fonts-droid-fallback
   libgtest-dev libgmock-dev libbenchmark-dev
-  libjpeg-turbo-progs imagemagick xvfb xauth tiled"
+  libjpeg-turbo-progs imagemagick xvfb xauth x11-utils openbox tiled"
 missing=""
 for p in $PACKAGES; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

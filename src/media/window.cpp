@@ -104,6 +104,8 @@ void MeasureLayout() {
         if (g.surface) {
             dw = g.surface->w;
             dh = g.surface->h;
+            const SDL_PixelFormat* f = g.surface->format;
+            g.surfaceFormat = present::SPixelFormat{f->BytesPerPixel, f->Rmask, f->Gmask, f->Bmask};
         }
     }
     // The X server's word on the size wins: SDL can believe in a full-screen
@@ -417,10 +419,7 @@ bool SetUpRenderer(int scale) {
         g.surface = SDL_GetWindowSurface(g.window);
         if (!g.surface) return false;
         const SDL_PixelFormat* f = g.surface->format;
-        g.surfaceFormat.bytesPerPixel = f->BytesPerPixel;
-        g.surfaceFormat.rMask = f->Rmask;
-        g.surfaceFormat.gMask = f->Gmask;
-        g.surfaceFormat.bMask = f->Bmask;
+        g.surfaceFormat = present::SPixelFormat{f->BytesPerPixel, f->Rmask, f->Gmask, f->Bmask};
         const std::string detail = std::string(SDL_GetPixelFormatName(f->format)) +
                                    (glName.empty() ? std::string() : ", OpenGL: " + glName);
         LogRenderer("window surface", choice.reason, detail);

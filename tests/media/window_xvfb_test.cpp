@@ -188,9 +188,12 @@ protected:
     void TearDown() override { unsetenv("ASHEN_RENDERER"); }
 };
 
-TEST_F(WindowOnXvfb, PictureIsTheHeadlessShotAtScaleOneAndTwo) {
+// The picture checks on one X server: scales 1 and 2, a whole frame, then a frame
+// that changes a few places.
+static void CheckPictureOn(const char* screen) {
+    SCOPED_TRACE(screen);
     CPrivateXServer x;
-    ASSERT_TRUE(x.Start("1600x1200x24"));
+    ASSERT_TRUE(x.Start(screen));
     // ASHEN_TEST_ACCELERATED=1 runs the same checks on the accelerated renderer
     // (OpenGL; on Xvfb a software rasteriser).
     if (const char* a = std::getenv("ASHEN_TEST_ACCELERATED"); a && *a == '1')
@@ -221,6 +224,13 @@ TEST_F(WindowOnXvfb, PictureIsTheHeadlessShotAtScaleOneAndTwo) {
         platform::DestroyMainWindow();
         platform::Shutdown();
     }
+}
+
+TEST_F(WindowOnXvfb, PictureIsTheHeadlessShotAtScaleOneAndTwo) {
+    // A 24-bit display (the window takes 32-bit pixels), then a 16-bit one
+    // (5-6-5 pixels: the frame is copied as it is).
+    CheckPictureOn("1600x1200x24");
+    CheckPictureOn("1600x1200x16");
 }
 
 TEST_F(WindowOnXvfb, FullScreenAndBackFollowTheRealWindow) {

@@ -3,11 +3,11 @@
 # Runs apt-get only when something is missing; uses sudo when not root.
 set -e
 PACKAGES="build-essential cmake pkg-config git
-  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
+  libsdl2-dev libsdl2-ttf-dev libsdl2-mixer-dev libx11-dev libjpeg62-turbo-dev libpng-dev zlib1g-dev
   libvorbis-dev libogg-dev fonts-wqy-microhei fonts-droid-fallback
   libpugixml-dev nlohmann-json3-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libjpeg-turbo-progs imagemagick xvfb xauth tiled"
+  libjpeg-turbo-progs imagemagick xvfb xauth x11-utils openbox tiled"
 missing=""
 for p in $PACKAGES; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing="$missing $p"

@@ -327,5 +327,5 @@ void CGraph::FillRectRGB(int surf, const SRect& r, COLORREF color) { FillRect(su
 
 void CGraph::Present() {
     if (!m_bInitialised || !m_surfaces[SURF_BUFFER].Valid()) return;
-    platform::PresentFrame(m_surfaces[SURF_BUFFER].pixels.data());
+    platform::PresentFrame(m_surfaces[SURF_BUFFER].pixels.data(), m_nColorMask == COLOR_MASK_555);
 }

@@ -4,6 +4,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 #include "base/types.h"
 
@@ -39,6 +40,10 @@ void ToggleFullscreen();
 
 // Message queue.
 bool PeekMessage(SMsg& out);          // true when a message waits (not removed)
+// Blocks until something arrives for the queue or timeoutMs pass (woken early
+// when the animated cursor must change its picture). True when an event arrived.
+// Without a window (headless) nothing can arrive: it sleeps at most 10 ms.
+bool WaitMessage(uint32_t timeoutMs);
 bool GetMessage(SMsg& out);           // waits for a message; false on WM_QUIT
 void PostMessage(uint32_t message, uintptr_t wParam, intptr_t lParam);
 void PostQuitMessage(int code);
@@ -58,8 +63,23 @@ bool IsButtonDown(int button);  // 0 left, 1 right
 // window layer keeps its own copy and animates it between messages.
 void SetAnimatedCursor(const SAniCursor* cursor);
 
-// Presents a 640 x 480 5-6-5 frame in the window (nothing when headless).
-void PresentFrame(const uint16_t* pixels);
+// Presents a 640 x 480 16-bit frame (5-6-5, or 5-5-5 with layout555) in the
+// window, letterboxed at an integer scale (nothing when headless). Only what
+// changed since the last present is converted and sent.
+void PresentFrame(const uint16_t* pixels, bool layout555 = false);
+
+// Where the picture stands in the window now (all zero without a window).
+struct SWindowLayout {
+    int32_t windowW = 0, windowH = 0;      // window size in window coordinates
+    int32_t drawableW = 0, drawableH = 0;  // size of what is drawn into, in pixels
+    int32_t x = 0, y = 0, scale = 0;       // the picture's top-left and scale
+    bool accelerated = false;              // accelerated renderer (else the window surface)
+};
+SWindowLayout GetWindowLayout();
+// Reads back the window's picture as 0x00RRGGBB pixels: from the X server where
+// the window is an X11 window (what is seen), else what the last present drew.
+// False without a window.
+bool ReadWindowPixels(std::vector<uint32_t>& xrgb, int32_t& width, int32_t& height);
 
 // Input injection for the replay harness: the events enter the same queue as real
 // ones and update the cursor and held-button state.

@@ -1,9 +1,7 @@
 // CGame: the 40 ms message loop, the window procedure, UpdateFrame (the current
 // mode's step from the mode table, then the message line and the present),
 // starting fades and splash pictures, the effect sound and outlined text.
-#include <chrono>
 #include <cstring>
-#include <thread>
 
 #include "media/graph.h"
 #include "media/show.h"
@@ -12,6 +10,7 @@
 #include "resources/picture_ref.h"
 #include "base/clock.h"
 #include "base/debug.h"
+#include "base/frame_pacing.h"
 #include "shell/game.h"
 #include "shell/game_modes.h"
 #include "shell/harness.h"
@@ -19,6 +18,7 @@
 namespace {
 CGame* g_pWindowGame = nullptr;  // the game pointer handed over by UM_SETGAME
 const SRect kScreen{0, 0, SCREEN_W, SCREEN_H};
+constexpr uint32_t kInactiveWaitMs = 100;
 }  // namespace
 
 intptr_t CGame::WindowProc(uint32_t message, uintptr_t wParam, intptr_t lParam) {
@@ -77,14 +77,16 @@ bool CGame::RunOnce(int& quitCode) {
         return true;
     }
     if (!m_bActive) {
-        // Inactive: no frames; wait for the next message.
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        // Inactive: no frames; wait for the next message (bounded, so that a
+        // music end or a signal is looked at now and then).
+        platform::WaitMessage(kInactiveWaitMs);
         return true;
     }
     if (m_harness.uncapped) clock_control::AdvanceTicks(41);
     uint32_t now = GetTickCount();
     // Signed 32-bit comparison: exactly 40 ms after the last frame is not yet.
-    if (int32_t(now) > int32_t(m_nLastFrameTick + 40)) {
+    const SFrameWake wake = NextFrameWake(m_nLastFrameTick, now);
+    if (wake.due) {
         if (m_pReplay && HarnessInjectInput()) {
             if (m_harness.uncapped) clock_control::AdvanceTicks(uint32_t(-41));
             return true;  // the frame's input goes through the queue first
@@ -94,7 +96,8 @@ bool CGame::RunOnce(int& quitCode) {
         if (m_pReplay) HarnessAfterFrame();
         else ++m_nFrameCount;
     } else if (!m_harness.uncapped) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        // Sleep until the frame is due, or until a message arrives first.
+        platform::WaitMessage(wake.waitMs);
     }
     return true;
 }

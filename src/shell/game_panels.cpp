@@ -93,7 +93,7 @@ bool CGame::FrameMainMenu() {
     }
     if (m_pMainMenuPanel) {
         m_pMainMenuPanel->UpdateHover();
-        m_pMainMenuPanel->Draw();
+        m_pMainMenuPanel->DrawFrame();
     }
     if (m_fade.phase != 2) {
         StartFade(0, GS_MAINMENU);

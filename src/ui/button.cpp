@@ -76,17 +76,25 @@ static void DrawBrightened(CGraph* g, int pack, const std::string& name, int32_t
     g->BltFast(SURF_BUFFER, x, y, SURF_ROLE, SRect{0, 0, w, h}, BLT_WAIT_SRCKEY);
 }
 
+void CButton::UpdateHoverSound() {
+    if (!m_nHover) {
+        m_nSounded = 0;
+        return;
+    }
+    if (m_nSounded == 0 && m_nHoverSound == 1) {
+        if (g_pButtonOverSound) {
+            DebugOut("[button]playsound\n");
+            g_pButtonOverSound->Play(0);
+            ++g_nHoverSoundCount;
+        }
+        m_nSounded = 1;
+    }
+}
+
 void CButton::Draw() {
     CGraph* g = g_pGraph;
+    UpdateHoverSound();
     if (m_nHover) {
-        if (m_nSounded == 0 && m_nHoverSound == 1) {
-            if (g_pButtonOverSound) {
-                DebugOut("[button]playsound\n");
-                g_pButtonOverSound->Play(0);
-                ++g_nHoverSoundCount;
-            }
-            m_nSounded = 1;
-        }
         if (!g) return;
         switch (m_nType) {
         case 0: g->DrawText(m_strText.c_str(), m_nX, m_nY, SURF_BUFFER, TA_LEFT_TOP, RGB(255, 0, 0), 18); break;
@@ -96,7 +104,6 @@ void CButton::Draw() {
         }
         return;
     }
-    m_nSounded = 0;
     if (!g) return;
     if (m_nType == 0)
         g->DrawText(m_strText.c_str(), m_nX, m_nY, SURF_BUFFER, TA_LEFT_TOP, RGB(0, 0, 255), 18);

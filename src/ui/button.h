@@ -27,7 +27,11 @@ public:
     // -1 for x or y keeps it; the rect becomes (x, y, x + width, y + height).
     void Move(int32_t x, int32_t y, int32_t width, int32_t height);
     void SetText(const char* text);
+    // Draws the button on the back buffer; plays the hover sound first (below).
     void Draw();
+    // The sound part of Draw alone: the hover sound on the first hovered frame,
+    // re-armed when the cursor has left.
+    void UpdateHoverSound();
 
     int32_t X() const { return m_nX; }
     int32_t Y() const { return m_nY; }
